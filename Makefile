@@ -1,0 +1,55 @@
+# The commands of this project. `make help` lists them.
+
+SHELL := /bin/bash
+.DEFAULT_GOAL := help
+JOBS ?= $(shell nproc)
+PORT ?= 5988
+
+.PHONY: help build demo serve test sanitize check ci bench format clean
+
+help: ## list the commands
+	@grep -hE '^[a-z-]+:.*## ' Makefile | sed -E 's/:[^#]*## /\t/' | expand -t 12
+
+build: ## build the server, the library and the tool into build/bin and build/lib
+	@scripts/require-packages build
+	@scripts/build release
+
+demo: ## install what is missing, build, and walk through the main job with a real CIM client
+	@scripts/require-packages build run
+	@scripts/build release
+	@scripts/demo
+
+serve: ## the same server, staying up on 127.0.0.1:5988 (PORT= changes it)
+	@scripts/require-packages build run
+	@scripts/build release
+	@scripts/serve $(PORT)
+
+test: ## install what is missing, build with g++ for debugging, run every test once
+	@scripts/require-packages build run test
+	@scripts/build debug
+	@scripts/run-tests debug
+
+sanitize: ## all tests with address and undefined sanitizers, the overlap tests with the thread sanitizer
+	@scripts/require-packages build run test sanitize
+	@scripts/build asan
+	@scripts/build tsan
+	@scripts/run-tests asan tsan:overlap
+
+check: ## formatting and static checks
+	@scripts/require-packages build run test check
+	@scripts/check
+
+ci: ## everything before landing: test, sanitize, check, and the demo as an ordinary user
+	@scripts/ci
+
+bench: ## measure against the floor: a table here, build/bench.json beside it
+	@scripts/require-packages build run bench
+	@scripts/build bench
+	@scripts/bench
+
+format: ## rewrite all sources in the project's format
+	@scripts/require-packages check
+	@git ls-files -co --exclude-standard '*.cpp' '*.hpp' '*.h' | xargs clang-format -i
+
+clean: ## remove everything that was built
+	rm -rf build

@@ -1,0 +1,75 @@
+// Loads provider libraries and keeps their providers: finds the one that serves a class, lets one
+// call at a time into each library, and drops what has been idle. Knows nothing of CIM operations.
+#pragma once
+
+#include "OW_CppInstanceProviderIFC.hpp"
+#include "OW_Logger.hpp"
+#include "OW_ProviderEnvironmentIFC.hpp"
+
+#include <chrono>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace cimserver::host {
+
+/// What names the provider of a class: the class itself and the text of its Provider qualifier
+/// (empty: none).
+struct Target {
+    OpenWBEM::String nameSpace;
+    OpenWBEM::String className;
+    OpenWBEM::String providerQualifier;
+};
+
+/// What a call is for, as the log and waiting callers are told.
+struct CallInfo {
+    std::string operation; ///< "EnumerateInstances"
+    std::string user;      ///< empty: anonymous
+};
+
+using InstanceCall = std::function<void(OpenWBEM::CppInstanceProviderIFC&,
+                                        const OpenWBEM::ProviderEnvironmentIFCRef&)>;
+
+/// Called from several threads at once.
+class ProviderSource {
+public:
+    virtual ~ProviderSource() = default;
+    /// Runs `call` with the instance provider of the target, alone inside its library.
+    /// False when the class has no provider; `call` was not run then. Exceptions of the call and of
+    /// the provider's initialize pass through. A library that is missing or refused, or a provider
+    /// that serves no instances: CIMException FAILED, `Invalid provider: ID`.
+    virtual bool WithInstanceProvider(const Target& target, const CallInfo& info,
+                                      const InstanceCall& call) = 0;
+};
+
+struct Settings {
+    std::vector<std::filesystem::path> directories; ///< searched in this order
+    std::chrono::seconds idleTime{300};             ///< negative: never unload
+    std::chrono::seconds housekeepingInterval{60};
+    /// The configured text of an item, or the default; names are case-sensitive.
+    std::function<OpenWBEM::String(const OpenWBEM::String& name, const OpenWBEM::String& fallback)>
+        configItem;
+    OpenWBEM::LoggerRef logger;
+};
+
+class Host final : public ProviderSource {
+public:
+    /// Opens every library of the directories once, as the real server does at its start: version
+    /// check, registration, and closed again. A library that is refused is logged with the reason.
+    explicit Host(Settings settings);
+    /// Destroys the providers and closes their libraries; no call may be running.
+    ~Host() override;
+    Host(const Host&) = delete;
+    Host& operator=(const Host&) = delete;
+
+    bool WithInstanceProvider(const Target& target, const CallInfo& info,
+                              const InstanceCall& call) override;
+
+private:
+    struct State;
+    std::unique_ptr<State> state_;
+};
+
+} // namespace cimserver::host

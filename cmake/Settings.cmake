@@ -1,0 +1,35 @@
+# What holds for every target: output folders, warnings, sanitizers.
+# C++20 is the default; provider/, platform/ and openwbem/ ask for C++17 with target_compile_features
+# and CXX_STANDARD 17.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+foreach(kind RUNTIME LIBRARY ARCHIVE)
+    set(folder lib)
+    if(kind STREQUAL RUNTIME)
+        set(folder bin)
+    endif()
+    if(NOT CMAKE_${kind}_OUTPUT_DIRECTORY)
+        set(CMAKE_${kind}_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/${folder})
+    endif()
+endforeach()
+
+find_package(Threads REQUIRED)
+
+# Every target of ours links this one.
+add_library(project_settings INTERFACE)
+target_compile_options(project_settings INTERFACE
+    -Wall -Wextra -Wpedantic -Werror
+    -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast -Wnon-virtual-dtor
+    -Woverloaded-virtual -Wcast-align -Wformat=2 -Wimplicit-fallthrough -Wundef)
+target_link_libraries(project_settings INTERFACE Threads::Threads)
+
+if(SANITIZE)
+    target_compile_options(project_settings INTERFACE
+        -fsanitize=${SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+    target_link_options(project_settings INTERFACE -fsanitize=${SANITIZE})
+endif()

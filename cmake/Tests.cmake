@@ -1,0 +1,35 @@
+# add_project_test(NAME <name> SOURCES <file>... [LIBRARIES <target>...] [LABELS <label>...] [PRIVATE_ROOT])
+#
+# One GoogleTest program; every test in it becomes a test of its own, in a process of its own, so that
+# no test sees what another left behind. PRIVATE_ROOT runs them where /qv/bin/patchkeeper is the
+# scripted double (scripts/with-qv).
+
+find_package(GTest REQUIRED)
+include(GoogleTest)
+
+function(add_project_test)
+    cmake_parse_arguments(arg "PRIVATE_ROOT" "NAME" "SOURCES;LIBRARIES;LABELS" ${ARGN})
+    add_executable(${arg_NAME} ${arg_SOURCES})
+    target_link_libraries(${arg_NAME} PRIVATE project_settings ${arg_LIBRARIES}
+        GTest::gmock GTest::gtest GTest::gtest_main)
+    target_include_directories(${arg_NAME} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+    target_compile_definitions(${arg_NAME} PRIVATE
+        TEST_DATA_DIRECTORY="${CMAKE_CURRENT_SOURCE_DIR}")
+    set_target_properties(${arg_NAME} PROPERTIES
+        RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+    if(arg_PRIVATE_ROOT)
+        add_dependencies(${arg_NAME} patchkeeper_double)
+        set_target_properties(${arg_NAME} PROPERTIES
+            CROSSCOMPILING_EMULATOR
+            "${PROJECT_SOURCE_DIR}/scripts/with-qv;$<TARGET_FILE:patchkeeper_double>")
+    endif()
+    set(properties TIMEOUT 120)
+    if(arg_LABELS)
+        list(APPEND properties LABELS "${arg_LABELS}")
+    endif()
+    gtest_discover_tests(${arg_NAME}
+        TEST_PREFIX "${arg_NAME}/"
+        WORKING_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}
+        PROPERTIES ${properties}
+        DISCOVERY_TIMEOUT 60)
+endfunction()
