@@ -1,14 +1,15 @@
-# add_project_test(NAME <name> SOURCES <file>... [LIBRARIES <target>...] [LABELS <label>...] [PRIVATE_ROOT])
+# add_project_test(NAME <name> SOURCES <file>... [LIBRARIES <target>...] [LABELS <label>...]
+#                  [PRIVATE_ROOT [TOOL <target>]])
 #
 # One GoogleTest program; every test in it becomes a test of its own, in a process of its own, so that
 # no test sees what another left behind. PRIVATE_ROOT runs them where /qv/bin/patchkeeper is the
-# scripted double (scripts/with-qv).
+# scripted double, or the program that TOOL names (scripts/with-qv).
 
 find_package(GTest REQUIRED)
 include(GoogleTest)
 
 function(add_project_test)
-    cmake_parse_arguments(arg "PRIVATE_ROOT" "NAME" "SOURCES;LIBRARIES;LABELS" ${ARGN})
+    cmake_parse_arguments(arg "PRIVATE_ROOT" "NAME;TOOL" "SOURCES;LIBRARIES;LABELS" ${ARGN})
     add_executable(${arg_NAME} ${arg_SOURCES})
     target_link_libraries(${arg_NAME} PRIVATE project_settings ${arg_LIBRARIES}
         GTest::gmock GTest::gtest GTest::gtest_main)
@@ -18,10 +19,13 @@ function(add_project_test)
     set_target_properties(${arg_NAME} PROPERTIES
         RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
     if(arg_PRIVATE_ROOT)
-        add_dependencies(${arg_NAME} patchkeeper_double)
+        if(NOT arg_TOOL)
+            set(arg_TOOL patchkeeper_double)
+        endif()
+        add_dependencies(${arg_NAME} ${arg_TOOL})
         set_target_properties(${arg_NAME} PROPERTIES
             CROSSCOMPILING_EMULATOR
-            "${PROJECT_SOURCE_DIR}/scripts/with-qv;$<TARGET_FILE:patchkeeper_double>")
+            "${PROJECT_SOURCE_DIR}/scripts/with-qv;$<TARGET_FILE:${arg_TOOL}>")
     endif()
     set(properties TIMEOUT 120)
     if(arg_LABELS)

@@ -1,5 +1,5 @@
-// CIM-XML (DMTF DSP0200, DSP0201): turns the body of a request into an operation call and writes the
-// result as XML while it arrives. Knows nothing of sockets and providers.
+// CIM-XML (DMTF DSP0200, DSP0201): turns the body of a request into an operation call and writes
+// the result as XML while it arrives. Knows nothing of sockets and providers.
 #pragma once
 
 #include "cimserver/operations/Operations.hpp"

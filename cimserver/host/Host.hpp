@@ -32,22 +32,29 @@ struct CallInfo {
 using InstanceCall = std::function<void(OpenWBEM::CppInstanceProviderIFC&,
                                         const OpenWBEM::ProviderEnvironmentIFCRef&)>;
 
+/// To be called while an exception is handled: throws what a client is told of it, as a
+/// CIMException that holds nothing of the library that threw. A CIMException keeps its number and
+/// text; any other OpenWBEM or standard exception becomes FAILED with its bare text, anything else
+/// FAILED with `Unknown Exception`.
+[[noreturn]] void RethrowAsCimException();
+
 /// Called from several threads at once.
 class ProviderSource {
 public:
     virtual ~ProviderSource() = default;
     /// Runs `call` with the instance provider of the target, alone inside its library.
-    /// False when the class has no provider; `call` was not run then. Exceptions of the call and of
-    /// the provider's initialize pass through. A library that is missing or refused, or a provider
-    /// that serves no instances: CIMException FAILED, `Invalid provider: ID`.
+    /// False when the class has no provider; `call` was not run then. Whatever the call or the
+    /// provider's initialize throws arrives as RethrowAsCimException makes it. A library that is
+    /// missing or refused, or a provider that serves no instances: CIMException FAILED,
+    /// `Invalid provider: ID`.
     virtual bool WithInstanceProvider(const Target& target, const CallInfo& info,
                                       const InstanceCall& call) = 0;
 };
 
 struct Settings {
-    std::vector<std::filesystem::path> directories; ///< searched in this order
-    std::chrono::seconds idleTime{300};             ///< negative: never unload
-    std::chrono::seconds housekeepingInterval{60};
+    std::vector<std::filesystem::path> directories;               ///< searched in this order
+    std::chrono::milliseconds idleTime = std::chrono::minutes(5); ///< negative: never unload
+    std::chrono::milliseconds housekeepingInterval = std::chrono::minutes(1);
     /// The configured text of an item, or the default; names are case-sensitive.
     std::function<OpenWBEM::String(const OpenWBEM::String& name, const OpenWBEM::String& fallback)>
         configItem;

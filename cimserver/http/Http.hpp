@@ -26,8 +26,8 @@ struct Request {
     std::string clientAddress;
 };
 
-/// The bytes of one answer. Filled by the thread that makes the answer, then read by the thread that
-/// sends it; never both at once. Grows by blocks, so that appending never moves what is there.
+/// The bytes of one answer. Filled by the thread that makes the answer, then read by the thread
+/// that sends it; never both at once. Grows by blocks, so that appending never moves what is there.
 class AnswerBody {
 public:
     AnswerBody();
@@ -41,6 +41,8 @@ public:
     std::uint64_t Size() const;
     /// Copies at most `room` bytes from `position` on; 0 only at the end.
     std::size_t Read(std::uint64_t position, char* target, std::size_t room) const;
+    /// All bytes as they lie in memory, in order; valid until the next Append or Clear.
+    std::vector<std::string_view> Pieces() const;
 
 private:
     struct Blocks;
@@ -60,7 +62,7 @@ using Handler = std::function<Response(const Request&)>;
 struct Settings {
     std::string address = "127.0.0.1"; ///< IPv4 or IPv6 in numeric form
     std::uint16_t port = 5988;         ///< 0: any free port
-    unsigned maxConnections = 30;
+    unsigned maxConnections = 30;      ///< a connection above that is closed at once
     std::size_t maxBodyBytes = 1024 * 1024;
     unsigned idleSeconds = 300;
 };

@@ -4,6 +4,8 @@
 
 #include "OW_CIM.hpp"
 
+#include <cstddef>
+#include <deque>
 #include <filesystem>
 #include <map>
 #include <stdexcept>
@@ -13,7 +15,8 @@
 
 namespace cimserver::mof {
 
-/// A mistake in a MOF text: `FILE:LINE:COLUMN: what is wrong`.
+/// A mistake in a MOF text: `FILE:LINE:COLUMN: what is wrong`, counted from 1, columns in bytes.
+/// For a file that cannot be read: `FILE: why`, or the place of its #pragma include.
 class MofError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
@@ -22,10 +25,10 @@ public:
 /// The classes and qualifier types of one namespace. Filled at start, then read by several threads.
 class Schema {
 public:
-    /// Adds one file, which may include others with #pragma include relative to itself.
-    /// Throws MofError; what was added before stays.
+    /// Adds one file, which may include others with #pragma include relative to itself. A class
+    /// stands behind those that it names. Throws MofError; what was read before the mistake stays.
     void AddFile(const std::filesystem::path& file);
-    /// The same for a text; `name` stands for the file in errors.
+    /// The same for a text; `name` stands for the file in errors, and includes are relative to it.
     void AddText(std::string_view text, const std::string& name);
 
     /// Names are compared without regard to case. Null when there is no such class.
@@ -37,9 +40,19 @@ public:
     const std::vector<OpenWBEM::CIMQualifierType>& Qualifiers() const { return qualifiers_; }
 
 private:
+    class Reader;
+
     // Classes hold what they inherit as well, marked as propagated, with the class of origin.
-    std::map<std::string, OpenWBEM::CIMClass> classes_; ///< key: the name in lower case
-    std::vector<std::string> order_;                    ///< keys in the order of declaration
+    struct Entry {
+        OpenWBEM::CIMClass cimClass;
+        std::size_t superClass; ///< index into classes_; none: noClass
+    };
+    static constexpr std::size_t noClass = static_cast<std::size_t>(-1);
+
+    std::size_t IndexOf(const OpenWBEM::String& name) const;
+
+    std::deque<Entry> classes_; ///< in the order of declaration
+    std::map<OpenWBEM::CIMName, std::size_t> index_;
     std::vector<OpenWBEM::CIMQualifierType> qualifiers_;
 };
 

@@ -1,5 +1,5 @@
-// The CIM operations (DMTF DSP0200): checks namespace, class, keys and types of a call and carries it
-// out with the schema and the providers. Knows nothing of XML and HTTP.
+// The CIM operations (DMTF DSP0200): checks namespace, class, keys and types of a call and carries
+// it out with the schema and the providers. Knows nothing of XML and HTTP.
 #pragma once
 
 #include "OW_CIM.hpp"
@@ -27,7 +27,7 @@ struct GetClass {
     bool localOnly = true;
     bool includeQualifiers = true;
     bool includeClassOrigin = false;
-    PropertyList properties;
+    PropertyList properties = std::nullopt;
 };
 struct EnumerateClasses {
     OpenWBEM::String className; ///< empty: from the top
@@ -45,7 +45,7 @@ struct GetInstance {
     bool localOnly = true;
     bool includeQualifiers = false;
     bool includeClassOrigin = false;
-    PropertyList properties;
+    PropertyList properties = std::nullopt;
 };
 struct EnumerateInstances {
     OpenWBEM::String className;
@@ -53,7 +53,7 @@ struct EnumerateInstances {
     bool deepInheritance = true;
     bool includeQualifiers = false;
     bool includeClassOrigin = false;
-    PropertyList properties;
+    PropertyList properties = std::nullopt;
 };
 struct EnumerateInstanceNames {
     OpenWBEM::String className;
@@ -104,7 +104,7 @@ public:
 private:
     const mof::Schema& schema_;
     host::ProviderSource& providers_;
-    OpenWBEM::String nameSpace_;
+    const OpenWBEM::String nameSpace_;
 };
 
 } // namespace cimserver::operations

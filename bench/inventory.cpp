@@ -1,0 +1,238 @@
+// The installed software, from the tool to the client: what each stage costs, and how that compares
+// with the least that any program would pay for the same bytes, measured in the same run.
+
+#include "bench/HttpClient.hpp"
+#include "bench/HttpFloor.hpp"
+#include "bench/Table.hpp"
+#include "provider/inventory/InventoryProvider.hpp"
+#include "provider/master/MasterProvider.hpp"
+#include "tests/support/ToolDouble.hpp"
+#include "tests/support/provider/TestEnvironment.hpp"
+#include "tests/support/server/ServerProcess.hpp"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <stdexcept>
+#include <thread>
+
+namespace {
+
+using bench::Row;
+
+// What the tool prints for `count` installed packages.
+std::string Listing(int count) {
+    const std::array<const char*, 4> kinds = {"Operating System", "Middleware",
+                                              "Application Software", "Other"};
+    std::string text;
+    for (int i = 0; i < count; ++i) {
+        const std::string number = std::to_string(i);
+        text += "package-" + number + "\t1." + number + "-2+deb12u1\t" +
+                kinds[static_cast<std::size_t>(i) % kinds.size()] +
+                "\tThu Jan  2 03:04:05 UTC 2025\n";
+    }
+    return text;
+}
+
+// The scripted tool, playing a listing of the size that was asked for last.
+class Tool {
+public:
+    void List(int count) {
+        if (count != count_) {
+            double_.Plays("", test_support::ToolAnswer().Output(Listing(count)));
+            count_ = count;
+        }
+    }
+
+private:
+    test_support::ToolDouble double_;
+    int count_ = -1;
+};
+
+class Counter : public OpenWBEM::CIMInstanceResultHandlerIFC {
+public:
+    int Count() const { return count_; }
+
+protected:
+    void doHandle(const OpenWBEM::CIMInstance&) override { ++count_; }
+
+private:
+    int count_ = 0;
+};
+
+// The floor: the same output through the same shell pipe, read by lines and cut into fields.
+int ReadAndCut() {
+    std::FILE* pipe = popen("/qv/bin/patchkeeper  2>&1", "r");
+    std::array<char, 1024> line;
+    int fields = 0;
+    while (std::fgets(line.data(), static_cast<int>(line.size()), pipe) != nullptr) {
+        char* position = nullptr;
+        for (char* field = strtok_r(line.data(), "\t\n", &position); field != nullptr;
+             field = strtok_r(nullptr, "\t\n", &position)) {
+            ++fields;
+        }
+    }
+    pclose(pipe);
+    return fields;
+}
+
+std::size_t ReadOnly() {
+    std::FILE* pipe = popen("/qv/bin/patchkeeper  2>&1", "r");
+    std::array<char, 64 * 1024> block;
+    std::size_t bytes = 0;
+    for (std::size_t got = 1; got > 0; bytes += got) {
+        got = std::fread(block.data(), 1, block.size(), pipe);
+    }
+    pclose(pipe);
+    return bytes;
+}
+
+void Enumerate(SoftwareUpdateProvider& provider, const OpenWBEM::ProviderEnvironmentIFCRef& env,
+               int expected) {
+    Counter counter;
+    provider.enumInstances(
+        env, "root/cimv2", "ZNX_SoftwareIdentity", counter, OpenWBEM::WBEMFlags::E_NOT_LOCAL_ONLY,
+        OpenWBEM::WBEMFlags::E_DEEP, OpenWBEM::WBEMFlags::E_EXCLUDE_QUALIFIERS,
+        OpenWBEM::WBEMFlags::E_EXCLUDE_CLASS_ORIGIN, nullptr, OpenWBEM::CIMClass(OpenWBEM::CIMNULL),
+        OpenWBEM::CIMClass(OpenWBEM::CIMNULL));
+    if (counter.Count() != expected) {
+        throw std::runtime_error("the provider did not enumerate every package");
+    }
+}
+
+std::string Named(const char* stage, int count) {
+    return stage + std::to_string(count);
+}
+
+template <typename Work>
+void Register(const std::string& name, Tool& tool, int count, Work work) {
+    benchmark::RegisterBenchmark(name.c_str(),
+                                 [&tool, count, work](benchmark::State& state) {
+                                     tool.List(count);
+                                     for (auto iteration : state) {
+                                         work();
+                                     }
+                                 })
+        ->UseRealTime()
+        ->Unit(benchmark::kMillisecond);
+}
+
+// Server start to first answer: an enumeration of ten packages, in milliseconds.
+double StartToFirstAnswer(Tool& tool) {
+    tool.List(10);
+    const auto before = std::chrono::steady_clock::now();
+    const test_support::ServerProcess server;
+    bench::Ask(server.Port(), bench::EnumerateInventory());
+    const std::chrono::duration<double, std::milli> time =
+        std::chrono::steady_clock::now() - before;
+    return time.count();
+}
+
+double Median(std::vector<double> figures) {
+    std::sort(figures.begin(), figures.end());
+    return figures[figures.size() / 2];
+}
+
+void AddRows(std::vector<Row>& rows, const bench::Times& times, int count,
+             std::size_t answerBytes) {
+    const double floor = times.Median(Named("floor/", count));
+    const double tool = times.Median(Named("tool/", count));
+    const double records = times.Median(Named("records/", count));
+    const double inProcess = times.Median(Named("enumerate/", count));
+    const double http = times.Median(Named("http/", count));
+    const double httpFloor = times.Median(Named("httpfloor/", count));
+    const std::string of = std::to_string(count) + " packages";
+    rows.push_back({of + ": floor, the pipe read and cut", floor, "ms"});
+    rows.push_back({of + ": tool and pipe alone", tool, "ms"});
+    rows.push_back({of + ": cutting into records, beyond the tool", records - tool, "ms"});
+    rows.push_back({of + ": instances, beyond the records", inProcess - records, "ms"});
+    rows.push_back({of + ": in process, all of it, over the floor", inProcess / floor, "times", 6});
+    rows.push_back({of + ": the answer's size", static_cast<double>(answerBytes) / 1e6, "MB"});
+    rows.push_back({of + ": floor, these bytes from memory over HTTP", httpFloor, "ms"});
+    rows.push_back({of + ": over HTTP beyond in process", http - inProcess, "ms"});
+    rows.push_back({of + ": the same over the floor", (http - inProcess) / httpFloor, "times", 3});
+}
+
+int Run(const std::string& jsonFile) {
+    Tool tool;
+    std::vector<double> starts;
+    double idle = 0;
+    for (int i = 0; i < 9; ++i) {
+        starts.push_back(StartToFirstAnswer(tool));
+    }
+
+    const OpenWBEM::ProviderEnvironmentIFCRef env(new test_support::TestEnvironment);
+    SoftwareUpdateProvider provider;
+    provider.initialize(env);
+    InventoryProvider inventory;
+    const test_support::ServerProcess server;
+    tool.List(10);
+    bench::Ask(server.Port(), bench::EnumerateInventory());
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    idle = server.ResidentMegabytes();
+
+    const std::array<int, 2> counts = {10'000, 100'000};
+    std::vector<std::unique_ptr<bench::HttpFloor>> floors;
+    std::vector<std::size_t> sizes;
+    for (const int count : counts) {
+        tool.List(count);
+        std::string answer;
+        sizes.push_back(bench::Ask(server.Port(), bench::EnumerateInventory(), &answer));
+        floors.push_back(std::make_unique<bench::HttpFloor>(answer));
+        const std::uint16_t floorPort = floors.back()->Port();
+        Register(Named("floor/", count), tool, count, [count] {
+            if (ReadAndCut() != 4 * count) {
+                throw std::runtime_error("the floor did not see every field");
+            }
+        });
+        Register(Named("tool/", count), tool, count, [] { ReadOnly(); });
+        Register(Named("records/", count), tool, count, [&inventory] { inventory.UpdateList(); });
+        Register(Named("enumerate/", count), tool, count,
+                 [&provider, &env, count] { Enumerate(provider, env, count); });
+        Register(Named("http/", count), tool, count,
+                 [&server] { bench::Ask(server.Port(), bench::EnumerateInventory()); });
+        Register(Named("httpfloor/", count), tool, count,
+                 [floorPort] { bench::Ask(floorPort, bench::EnumerateInventory()); });
+    }
+
+    bench::Times times;
+    benchmark::RunSpecifiedBenchmarks(&times);
+
+    std::vector<Row> rows;
+    for (std::size_t i = 0; i < counts.size(); ++i) {
+        AddRows(rows, times, counts[i], sizes[i]);
+    }
+    rows.push_back({"server start to first answer, median of 9", Median(starts), "ms", 50});
+    rows.push_back({"idle resident memory after a first answer", idle, "MB", 9});
+    return bench::Tell(rows, jsonFile) ? 0 : 1;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 2) {
+        std::fprintf(stderr, "usage: bench_inventory JSONFILE\n");
+        return 2;
+    }
+    // Repetitions of all benchmarks in random order, so that a slow moment of the machine hits
+    // floor and subject alike.
+    std::array<std::string, 4> options = {argv[0], "--benchmark_repetitions=9",
+                                          "--benchmark_enable_random_interleaving=true",
+                                          "--benchmark_min_time=0.1"};
+    std::array<char*, 4> pointers{};
+    for (std::size_t i = 0; i < options.size(); ++i) {
+        pointers[i] = options[i].data();
+    }
+    int count = static_cast<int>(pointers.size());
+    benchmark::Initialize(&count, pointers.data());
+    try {
+        return Run(argv[1]);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "bench_inventory: %s\n", error.what());
+        return 1;
+    }
+}

@@ -1,0 +1,114 @@
+#include "cimserver/CommandLine.hpp"
+
+#include "cimserver/Settings.hpp"
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+
+#include <string>
+#include <vector>
+
+namespace cimserver {
+
+namespace {
+
+struct Options {
+    std::string config;
+    std::string listen;
+    std::vector<std::string> providerDirectories;
+    std::vector<std::string> mofFiles;
+    std::string nameSpace;
+    std::string logLevel;
+};
+
+void Declare(CLI::App& app, Options& options) {
+    app.set_version_flag("--version", "cimserver " CIMSERVER_VERSION);
+    app.add_option("--config", options.config, "file of `name = value` lines")->type_name("FILE");
+    app.add_option(
+           "--listen", options.listen,
+           "where to serve CIM-XML over HTTP; port 0: any free one (default 127.0.0.1:5988)")
+        ->type_name("ADDR:PORT");
+    app.add_option("--provider-dir", options.providerDirectories,
+                   "directory of provider libraries (default ../lib/providers beside the program)")
+        ->type_name("DIR")
+        ->expected(1)
+        ->take_all();
+    app.add_option("--mof", options.mofFiles, "files that declare qualifiers and classes, in order")
+        ->type_name("FILE");
+    app.add_option("--namespace", options.nameSpace,
+                   "CIM namespace of the classes (default root/cimv2)")
+        ->type_name("NAME");
+    app.add_option("--log-level", options.logLevel, "fatal, error, info or debug (default error)")
+        ->type_name("LEVEL");
+    app.footer("Stays in the foreground, logs to standard error, stops on SIGTERM or SIGINT.\n"
+               "Every option has a configuration item; the command line wins.");
+}
+
+std::string Joined(const std::vector<std::string>& parts, const char* option) {
+    std::string text;
+    for (const auto& part : parts) {
+        if (part.find_first_of(":;") != std::string::npos) {
+            throw ConfigurationError(std::string(option) + ": `" + part +
+                                     "`: a path must not hold `:` or `;`");
+        }
+        text += text.empty() ? part : ":" + part;
+    }
+    return text;
+}
+
+void ApplyListen(Configuration& configuration, const std::string& listen) {
+    const auto colon = listen.rfind(':');
+    std::string address = listen.substr(0, colon);
+    const bool bracketed = address.size() >= 2 && address.front() == '[' && address.back() == ']';
+    if (bracketed) {
+        address = address.substr(1, address.size() - 2);
+    }
+    const bool hasTwoParts = colon != std::string::npos && colon + 1 < listen.size();
+    if (!hasTwoParts || address.empty() || (!bracketed && address.find(':') != std::string::npos)) {
+        throw ConfigurationError("--listen: `" + listen +
+                                 "`: expected ADDR:PORT, such as 127.0.0.1:5988 or [::1]:5988");
+    }
+    configuration.Override(items::addresses, address, "--listen");
+    configuration.Override(items::port, listen.substr(colon + 1), "--listen");
+}
+
+void Apply(const Options& options, Configuration& configuration) {
+    const auto override = [&](const char* item, const std::string& value, const char* option) {
+        if (!value.empty()) {
+            configuration.Override(item, value, option);
+        }
+    };
+    if (!options.listen.empty()) {
+        ApplyListen(configuration, options.listen);
+    }
+    override(items::providerDirectories, Joined(options.providerDirectories, "--provider-dir"),
+             "--provider-dir");
+    override(items::mofFiles, Joined(options.mofFiles, "--mof"), "--mof");
+    override(items::nameSpace, options.nameSpace, "--namespace");
+    override(items::logLevel, options.logLevel, "--log-level");
+}
+
+} // namespace
+
+std::optional<ExitCode> ReadCommandLine(int argc, const char* const* argv,
+                                        Configuration& configuration, std::ostream& out,
+                                        std::ostream& err) {
+    CLI::App app("CIM server: serves the classes of MOF files over CIM-XML with OpenWBEM C++ "
+                 "provider libraries",
+                 "cimserver");
+    Options options;
+    Declare(app, options);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error, out, err) == 0 ? exitDone : exitUsage;
+    }
+    if (!options.config.empty()) {
+        configuration.AddFile(options.config);
+    }
+    Apply(options, configuration);
+    return std::nullopt;
+}
+
+} // namespace cimserver

@@ -1,0 +1,84 @@
+#include "cimserver/Server.hpp"
+
+#include "cimserver/cimxml/CimXml.hpp"
+
+#include <string_view>
+#include <utility>
+
+namespace cimserver {
+
+namespace {
+
+class BodyOutput final : public cimxml::Output {
+public:
+    explicit BodyOutput(http::AnswerBody& body) : body_(body) {}
+    void Write(std::string_view text) override { body_.Append(text); }
+    void Restart() override { body_.Clear(); }
+
+private:
+    http::AnswerBody& body_;
+};
+
+host::Settings HostSettings(const Settings& settings, const Configuration& configuration,
+                            const OpenWBEM::LoggerRef& logger) {
+    host::Settings result;
+    result.directories = settings.providerDirectories;
+    result.idleTime = settings.providerIdle;
+    result.configItem = [&configuration](const OpenWBEM::String& name,
+                                         const OpenWBEM::String& fallback) {
+        const auto* item = configuration.Find(name.c_str());
+        return item == nullptr ? fallback : OpenWBEM::String(item->value.c_str());
+    };
+    result.logger = logger;
+    return result;
+}
+
+} // namespace
+
+Server::Server(const Settings& settings, const Configuration& configuration,
+               const OpenWBEM::LoggerRef& logger)
+    : addresses_(settings.addresses) {
+    for (const auto& file : settings.mofFiles) {
+        schema_.AddFile(file);
+    }
+    host_ = std::make_unique<host::Host>(HostSettings(settings, configuration, logger));
+    operations_ = std::make_unique<operations::Operations>(
+        schema_, *host_, OpenWBEM::String(settings.nameSpace.c_str()));
+    for (const auto& address : addresses_) {
+        http::Settings listener;
+        listener.address = address;
+        listener.port = settings.port;
+        listeners_.push_back(std::make_unique<http::Server>(
+            listener, [this](const http::Request& request) { return Answer(request); }));
+    }
+}
+
+std::vector<std::string> Server::Urls() const {
+    std::vector<std::string> urls;
+    for (std::size_t i = 0; i < listeners_.size(); ++i) {
+        const bool six = addresses_[i].find(':') != std::string::npos;
+        urls.push_back("http://" + (six ? "[" + addresses_[i] + "]" : addresses_[i]) + ":" +
+                       std::to_string(listeners_[i]->Port()));
+    }
+    return urls;
+}
+
+http::Response Server::Answer(const http::Request& request) {
+    cimxml::Message message;
+    message.method = request.method;
+    for (const auto& header : request.headers) {
+        message.headers.emplace_back(header.name, header.value);
+    }
+    message.body = request.body;
+    http::Response response;
+    response.body = std::make_shared<http::AnswerBody>();
+    BodyOutput output(*response.body);
+    auto status = cimxml::Answer(message, *operations_, output);
+    response.status = status.httpStatus;
+    for (auto& [name, value] : status.headers) {
+        response.headers.push_back({std::move(name), std::move(value)});
+    }
+    return response;
+}
+
+} // namespace cimserver

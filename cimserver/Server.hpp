@@ -1,0 +1,42 @@
+// The whole server in one object: schema, providers, operations, and the addresses it listens on.
+#pragma once
+
+#include "cimserver/Configuration.hpp"
+#include "cimserver/Settings.hpp"
+#include "cimserver/host/Host.hpp"
+#include "cimserver/http/Http.hpp"
+#include "cimserver/mof/Mof.hpp"
+#include "cimserver/operations/Operations.hpp"
+
+#include "OW_Logger.hpp"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace cimserver {
+
+/// Serves from construction on. The destructor stops listening, lets running calls end, then drops
+/// the providers on its own thread.
+class Server {
+public:
+    /// `configuration` is what providers may ask for; it must outlive the server. Throws MofError,
+    /// ListenError.
+    Server(const Settings& settings, const Configuration& configuration,
+           const OpenWBEM::LoggerRef& logger);
+
+    /// The addresses really listened on: `http://127.0.0.1:5988`.
+    std::vector<std::string> Urls() const;
+
+private:
+    http::Response Answer(const http::Request& request);
+
+    // In the order of life: each uses only those before it.
+    mof::Schema schema_;
+    std::unique_ptr<host::Host> host_;
+    std::unique_ptr<operations::Operations> operations_;
+    std::vector<std::string> addresses_;
+    std::vector<std::unique_ptr<http::Server>> listeners_;
+};
+
+} // namespace cimserver

@@ -1,0 +1,45 @@
+#include "cimserver/cimxml/AnswerWriter.hpp"
+#include "cimserver/cimxml/CallReader.hpp"
+#include "cimserver/cimxml/CimXml.hpp"
+#include "cimserver/cimxml/Headers.hpp"
+#include "cimserver/cimxml/ProtocolError.hpp"
+
+namespace cimserver::cimxml {
+
+namespace {
+
+Status AnswerStatus() {
+    return {200,
+            {{"Content-Type", "application/xml; charset=\"utf-8\""},
+             {"CIMOperation", "MethodResponse"}}};
+}
+
+Status AnswerCall(const MethodCall& call, const Message& message, operations::Executor& executor,
+                  Output& output) {
+    const AnswerTo answerTo{call.messageId, call.name, call.isExtrinsic};
+    AnswerWriter writer(output, answerTo);
+    try {
+        operations::Request request = ReadRequest(call);
+        request.user = message.user;
+        writer.Begin();
+        executor.Execute(request, writer);
+        writer.Finish();
+    } catch (const OpenWBEM::CIMException& error) {
+        writer.Fail(error);
+    }
+    return AnswerStatus();
+}
+
+} // namespace
+
+Status Answer(const Message& message, operations::Executor& executor, Output& output) {
+    try {
+        CheckHeaders(message);
+        const Element root = ParseXml(message.body);
+        return AnswerCall(ReadMethodCall(root), message, executor, output);
+    } catch (const ProtocolError& error) {
+        return error.AsStatus();
+    }
+}
+
+} // namespace cimserver::cimxml

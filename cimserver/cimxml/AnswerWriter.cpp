@@ -1,0 +1,98 @@
+#include "cimserver/cimxml/AnswerWriter.hpp"
+
+#include "cimserver/cimxml/Elements.hpp"
+#include "cimserver/cimxml/Values.hpp"
+
+namespace cimserver::cimxml {
+
+using OpenWBEM::CIMException;
+
+AnswerWriter::AnswerWriter(Output& output, const AnswerTo& request)
+    : xml_(output), request_(request) {
+}
+
+void AnswerWriter::Begin() {
+    OpenEnvelope();
+    xml_.Markup("<IRETURNVALUE>");
+}
+
+void AnswerWriter::Finish() {
+    ThrowEarlierFailure();
+    xml_.Markup("</IRETURNVALUE>");
+    CloseEnvelope();
+}
+
+void AnswerWriter::Fail(const CIMException& error) {
+    xml_.Restart();
+    OpenEnvelope();
+    xml_.Markup("<ERROR CODE=\"");
+    xml_.Number(static_cast<int>(error.getErrNo()));
+    xml_.Markup("\" DESCRIPTION=\"");
+    xml_.Text(error.getMessage());
+    xml_.Markup("\"></ERROR>");
+    CloseEnvelope();
+}
+
+void AnswerWriter::OpenEnvelope() {
+    xml_.Markup("<?xml version=\"1.0\" encoding=\"utf-8\"?>\n"
+                "<CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.0\"><MESSAGE ID=\"");
+    xml_.Text(request_.messageId);
+    xml_.Markup("\" PROTOCOLVERSION=\"1.0\"><SIMPLERSP>");
+    xml_.Markup(request_.isExtrinsic ? "<METHODRESPONSE NAME=\"" : "<IMETHODRESPONSE NAME=\"");
+    xml_.Text(request_.methodName);
+    xml_.Markup("\">");
+}
+
+void AnswerWriter::CloseEnvelope() {
+    xml_.Markup(request_.isExtrinsic ? "</METHODRESPONSE>" : "</IMETHODRESPONSE>");
+    xml_.Markup("</SIMPLERSP></MESSAGE></CIM>\n");
+    xml_.Flush();
+}
+
+void AnswerWriter::ThrowEarlierFailure() const {
+    if (failure_) {
+        throw CIMException(*failure_);
+    }
+}
+
+template <class Write>
+void AnswerWriter::WriteResult(Write write) {
+    ThrowEarlierFailure();
+    try {
+        write();
+        return;
+    } catch (const CIMException& error) {
+        failure_.emplace(error);
+    } catch (const std::exception& error) {
+        failure_.emplace(__FILE__, __LINE__, CIMException::FAILED, error.what());
+    }
+    ThrowEarlierFailure();
+}
+
+void AnswerWriter::Class(const OpenWBEM::CIMClass& cimClass) {
+    WriteResult([&] { WriteClass(xml_, cimClass); });
+}
+
+void AnswerWriter::ClassName(const OpenWBEM::String& name) {
+    WriteResult([&] { WriteClassName(xml_, name); });
+}
+
+void AnswerWriter::Instance(const OpenWBEM::CIMInstance& instance) {
+    WriteResult([&] { WriteInstance(xml_, instance); });
+}
+
+void AnswerWriter::NamedInstance(const OpenWBEM::CIMObjectPath& path,
+                                 const OpenWBEM::CIMInstance& instance) {
+    WriteResult([&] {
+        xml_.Markup("<VALUE.NAMEDINSTANCE>");
+        WriteInstanceName(xml_, path);
+        WriteInstance(xml_, instance);
+        xml_.Markup("</VALUE.NAMEDINSTANCE>");
+    });
+}
+
+void AnswerWriter::InstanceName(const OpenWBEM::CIMObjectPath& path) {
+    WriteResult([&] { WriteInstanceName(xml_, path); });
+}
+
+} // namespace cimserver::cimxml

@@ -1,0 +1,121 @@
+#include "cimserver/cimxml/Parameters.hpp"
+
+#include "cimserver/cimxml/ObjectNames.hpp"
+#include "cimserver/cimxml/ProtocolError.hpp"
+
+namespace cimserver::cimxml {
+
+using namespace OpenWBEM;
+
+namespace {
+
+[[noreturn]] void Refuse(const String& text) {
+    OW_THROWCIMMSG(CIMException::INVALID_PARAMETER, text.c_str());
+}
+
+String ToString(const std::string& text) {
+    return String(text.data(), text.size());
+}
+
+/// An empty name is none.
+String ClassNameIn(const char* parameter, const Element& value) {
+    if (value.name != "CLASSNAME") {
+        Refuse(String("Parameter ") + parameter + " is no class name");
+    }
+    return ToString(value.RequiredAttribute("NAME"));
+}
+
+[[noreturn]] void RefuseMissing(const char* parameter) {
+    Refuse(String("Parameter ") + parameter + " was not specified.");
+}
+
+} // namespace
+
+Parameters::Parameters(const Element& call) {
+    for (std::size_t i = 1; i < call.children.size(); ++i) {
+        const Element& child = call.children[i];
+        if (child.name != "IPARAMVALUE") {
+            throw NotLooselyValid();
+        }
+        parameters_.push_back({ToString(child.RequiredAttribute("NAME")), &child, false});
+    }
+}
+
+const Element* Parameters::ValueOf(const char* name) {
+    for (Parameter& parameter : parameters_) {
+        if (!parameter.name.equalsIgnoreCase(name)) {
+            continue;
+        }
+        parameter.isRead = true;
+        return parameter.element->children.empty() ? nullptr : &parameter.element->OnlyChild();
+    }
+    return nullptr;
+}
+
+void Parameters::ReadFlag(const char* name, bool& flag) {
+    const Element* value = ValueOf(name);
+    if (value == nullptr) {
+        return;
+    }
+    const String text = ToString(value->text).trim();
+    const bool isTrue = text.equalsIgnoreCase("true");
+    if (value->name != "VALUE" || (!isTrue && !text.equalsIgnoreCase("false"))) {
+        Refuse(String("Parameter ") + name + " is no boolean");
+    }
+    flag = isTrue;
+}
+
+void Parameters::ReadClassName(const char* name, String& className) {
+    if (const Element* value = ValueOf(name)) {
+        className = ClassNameIn(name, *value);
+    }
+}
+
+void Parameters::ReadNames(const char* name, operations::PropertyList& names) {
+    const Element* value = ValueOf(name);
+    if (value == nullptr) {
+        return;
+    }
+    const auto refuse = [name] { Refuse(String("Parameter ") + name + " is no list of names"); };
+    if (value->name != "VALUE.ARRAY") {
+        refuse();
+    }
+    StringArray list;
+    for (const Element& element : value->children) {
+        if (element.name != "VALUE") {
+            refuse();
+        }
+        list.push_back(ToString(element.text));
+    }
+    names = list;
+}
+
+String Parameters::RequiredClassName(const char* name) {
+    String className;
+    ReadClassName(name, className);
+    if (className.empty()) {
+        RefuseMissing(name);
+    }
+    return className;
+}
+
+CIMObjectPath Parameters::RequiredInstanceName(const char* name) {
+    const Element* value = ValueOf(name);
+    if (value == nullptr) {
+        RefuseMissing(name);
+    }
+    if (value->name != "INSTANCENAME") {
+        Refuse(String("Parameter ") + name + " is no instance name");
+    }
+    return ReadInstanceName(*value);
+}
+
+void Parameters::ExpectAllRead() const {
+    for (const Parameter& parameter : parameters_) {
+        if (!parameter.isRead) {
+            Refuse("Unknown or duplicate parameter: " + parameter.name);
+        }
+    }
+}
+
+} // namespace cimserver::cimxml

@@ -1,0 +1,40 @@
+// A request that is answered by an HTTP status instead of a CIM-XML answer.
+#pragma once
+
+#include "cimserver/cimxml/CimXml.hpp"
+
+#include <stdexcept>
+#include <utility>
+
+namespace cimserver::cimxml {
+
+class ProtocolError : public std::runtime_error {
+public:
+    /// `cimError` is the value of the CIMError header (DMTF DSP0200, clause on CIM-XML status
+    /// codes).
+    ProtocolError(int httpStatus, const char* cimError)
+        : std::runtime_error(cimError), status_{httpStatus, {{"CIMError", cimError}}} {}
+    explicit ProtocolError(Status status)
+        : std::runtime_error("no CIM-XML request"), status_(std::move(status)) {}
+
+    const Status& AsStatus() const { return status_; }
+
+private:
+    Status status_;
+};
+
+inline ProtocolError NotWellFormed() {
+    return {400, "request-not-well-formed"};
+}
+inline ProtocolError NotLooselyValid() {
+    return {400, "request-not-loosely-valid"};
+}
+/// Allowed by the DTD, but more than this server takes.
+inline ProtocolError NotValid() {
+    return {400, "request-not-valid"};
+}
+inline ProtocolError UnsupportedOperation() {
+    return {400, "unsupported-operation"};
+}
+
+} // namespace cimserver::cimxml

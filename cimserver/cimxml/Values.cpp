@@ -1,0 +1,284 @@
+#include "cimserver/cimxml/Values.hpp"
+
+#include <cmath>
+
+namespace cimserver::cimxml {
+
+using namespace OpenWBEM;
+
+namespace {
+
+void WriteText(XmlBuffer& xml, const Bool& value) {
+    xml.Markup(value ? "TRUE" : "FALSE");
+}
+
+void WriteText(XmlBuffer& xml, const String& value) {
+    xml.Text(View(value));
+}
+
+void WriteText(XmlBuffer& xml, const Char16& value) {
+    xml.Text(View(value.toString()));
+}
+
+void WriteText(XmlBuffer& xml, const CIMDateTime& value) {
+    xml.Text(View(value.toString()));
+}
+
+/// The shortest text that reads as the same number; DSP0201 wants a point in it.
+template <class Real>
+void WriteReal(XmlBuffer& xml, Real value) {
+    if (!std::isfinite(value)) {
+        xml.Markup(std::isnan(value) ? "NaN" : value > 0 ? "INF" : "-INF");
+        return;
+    }
+    char text[32];
+    const auto* const end = std::to_chars(text, text + sizeof text, value).ptr;
+    const std::string_view number(text, static_cast<std::size_t>(end - text));
+    const std::size_t exponent = std::min(number.find('e'), number.size());
+    xml.Markup(number.substr(0, exponent));
+    if (number.find('.') == std::string_view::npos) {
+        xml.Markup(".0");
+    }
+    xml.Markup(number.substr(exponent));
+}
+
+void WriteText(XmlBuffer& xml, Real32 value) {
+    WriteReal(xml, value);
+}
+
+void WriteText(XmlBuffer& xml, Real64 value) {
+    WriteReal(xml, value);
+}
+
+void WriteText(XmlBuffer& xml, UInt8 value) {
+    xml.Number(unsigned{value});
+}
+
+void WriteText(XmlBuffer& xml, Int8 value) {
+    xml.Number(int{value});
+}
+
+template <class Integer>
+void WriteText(XmlBuffer& xml, Integer value) {
+    xml.Number(value);
+}
+
+void WriteNameSpacePath(XmlBuffer& xml, const String& nameSpace) {
+    xml.Markup("<LOCALNAMESPACEPATH>");
+    std::string_view rest = View(nameSpace);
+    while (!rest.empty()) {
+        const std::size_t end = std::min(rest.find('/'), rest.size());
+        xml.Markup("<NAMESPACE NAME=\"");
+        xml.Text(rest.substr(0, end));
+        xml.Markup("\"></NAMESPACE>");
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+    }
+    xml.Markup("</LOCALNAMESPACEPATH>");
+}
+
+void WriteObjectName(XmlBuffer& xml, const CIMObjectPath& path) {
+    if (path.isClassPath()) {
+        WriteClassName(xml, path.getClassName());
+    } else {
+        WriteInstanceName(xml, path);
+    }
+}
+
+void WriteText(XmlBuffer& xml, const CIMObjectPath& path) {
+    if (path.getNameSpace().empty()) {
+        OW_THROWCIMMSG(CIMException::FAILED, "Namespace not set");
+    }
+    const bool isClass = path.isClassPath();
+    const bool isLocal = path.getHost().empty();
+    if (isLocal) {
+        xml.Markup(isClass ? "<LOCALCLASSPATH>" : "<LOCALINSTANCEPATH>");
+        WriteNameSpacePath(xml, path.getNameSpace());
+        WriteObjectName(xml, path);
+        xml.Markup(isClass ? "</LOCALCLASSPATH>" : "</LOCALINSTANCEPATH>");
+        return;
+    }
+    xml.Markup(isClass ? "<CLASSPATH>" : "<INSTANCEPATH>");
+    xml.Markup("<NAMESPACEPATH><HOST>");
+    xml.Text(View(path.getHost()));
+    xml.Markup("</HOST>");
+    WriteNameSpacePath(xml, path.getNameSpace());
+    xml.Markup("</NAMESPACEPATH>");
+    WriteObjectName(xml, path);
+    xml.Markup(isClass ? "</CLASSPATH>" : "</INSTANCEPATH>");
+}
+
+template <class T>
+void WriteScalar(XmlBuffer& xml, const CIMValue& value) {
+    T scalar;
+    value.get(scalar);
+    WriteText(xml, scalar);
+}
+
+template <class T>
+void WriteArray(XmlBuffer& xml, const CIMValue& value) {
+    Array<T> read;
+    value.get(read);
+    const Array<T>& elements = read;
+    for (const T& element : elements) {
+        xml.Markup("<VALUE>");
+        WriteText(xml, element);
+        xml.Markup("</VALUE>");
+    }
+}
+
+template <class T>
+void WriteContent(XmlBuffer& xml, const CIMValue& value) {
+    if (value.isArray()) {
+        WriteArray<T>(xml, value);
+    } else {
+        WriteScalar<T>(xml, value);
+    }
+}
+
+/// What stands within VALUE, VALUE.ARRAY or KEYVALUE.
+void WriteContentOfType(XmlBuffer& xml, const CIMValue& value) {
+    switch (value.getType()) {
+    case CIMDataType::STRING:
+        return WriteContent<String>(xml, value);
+    case CIMDataType::BOOLEAN:
+        return WriteContent<Bool>(xml, value);
+    case CIMDataType::CHAR16:
+        return WriteContent<Char16>(xml, value);
+    case CIMDataType::UINT8:
+        return WriteContent<UInt8>(xml, value);
+    case CIMDataType::SINT8:
+        return WriteContent<Int8>(xml, value);
+    case CIMDataType::UINT16:
+        return WriteContent<UInt16>(xml, value);
+    case CIMDataType::SINT16:
+        return WriteContent<Int16>(xml, value);
+    case CIMDataType::UINT32:
+        return WriteContent<UInt32>(xml, value);
+    case CIMDataType::SINT32:
+        return WriteContent<Int32>(xml, value);
+    case CIMDataType::UINT64:
+        return WriteContent<UInt64>(xml, value);
+    case CIMDataType::SINT64:
+        return WriteContent<Int64>(xml, value);
+    case CIMDataType::REAL32:
+        return WriteContent<Real32>(xml, value);
+    case CIMDataType::REAL64:
+        return WriteContent<Real64>(xml, value);
+    case CIMDataType::DATETIME:
+        return WriteContent<CIMDateTime>(xml, value);
+    default:
+        OW_THROWCIMMSG(CIMException::FAILED, "A value of this type cannot be written");
+    }
+}
+
+void WriteReference(XmlBuffer& xml, const CIMValue& value) {
+    if (value.isArray()) {
+        OW_THROWCIMMSG(CIMException::FAILED, "An array of references cannot be written");
+    }
+    xml.Markup("<VALUE.REFERENCE>");
+    WriteScalar<CIMObjectPath>(xml, value);
+    xml.Markup("</VALUE.REFERENCE>");
+}
+
+void WriteKeyValue(XmlBuffer& xml, const CIMValue& value) {
+    if (value.getType() == CIMDataType::BOOLEAN) {
+        xml.Markup("<KEYVALUE VALUETYPE=\"boolean\">");
+    } else if (value.isNumericType()) {
+        xml.Markup("<KEYVALUE VALUETYPE=\"numeric\">");
+    } else {
+        xml.Markup("<KEYVALUE VALUETYPE=\"string\">");
+    }
+    WriteContentOfType(xml, value);
+    xml.Markup("</KEYVALUE>");
+}
+
+void WriteKeyBinding(XmlBuffer& xml, const CIMProperty& key) {
+    const CIMValue value = key.getValue();
+    if (!value) {
+        OW_THROWCIMMSG(CIMException::FAILED, ("Key " + key.getName() + " has no value").c_str());
+    }
+    WriteAttribute(xml, "<KEYBINDING NAME=\"", key.getName());
+    xml.Markup(">");
+    if (value.getType() == CIMDataType::REFERENCE) {
+        WriteReference(xml, value);
+    } else if (value.isArray()) {
+        OW_THROWCIMMSG(CIMException::FAILED, ("Key " + key.getName() + " is an array").c_str());
+    } else {
+        WriteKeyValue(xml, value);
+    }
+    xml.Markup("</KEYBINDING>");
+}
+
+} // namespace
+
+void WriteAttribute(XmlBuffer& xml, std::string_view start, const String& value) {
+    xml.Markup(start);
+    xml.Text(View(value));
+    xml.Markup("\"");
+}
+
+std::string_view TypeName(CIMDataType::Type type) {
+    switch (type) {
+    case CIMDataType::UINT8:
+        return "uint8";
+    case CIMDataType::SINT8:
+        return "sint8";
+    case CIMDataType::UINT16:
+        return "uint16";
+    case CIMDataType::SINT16:
+        return "sint16";
+    case CIMDataType::UINT32:
+        return "uint32";
+    case CIMDataType::SINT32:
+        return "sint32";
+    case CIMDataType::UINT64:
+        return "uint64";
+    case CIMDataType::SINT64:
+        return "sint64";
+    case CIMDataType::STRING:
+        return "string";
+    case CIMDataType::BOOLEAN:
+        return "boolean";
+    case CIMDataType::REAL32:
+        return "real32";
+    case CIMDataType::REAL64:
+        return "real64";
+    case CIMDataType::DATETIME:
+        return "datetime";
+    case CIMDataType::CHAR16:
+        return "char16";
+    default:
+        return {};
+    }
+}
+
+void WriteValue(XmlBuffer& xml, const CIMValue& value) {
+    if (!value) {
+        return;
+    }
+    if (value.getType() == CIMDataType::REFERENCE) {
+        WriteReference(xml, value);
+        return;
+    }
+    const bool isArray = value.isArray();
+    xml.Markup(isArray ? "<VALUE.ARRAY>" : "<VALUE>");
+    WriteContentOfType(xml, value);
+    xml.Markup(isArray ? "</VALUE.ARRAY>" : "</VALUE>");
+}
+
+void WriteClassName(XmlBuffer& xml, const String& name) {
+    WriteAttribute(xml, "<CLASSNAME NAME=\"", name);
+    xml.Markup("></CLASSNAME>");
+}
+
+void WriteInstanceName(XmlBuffer& xml, const CIMObjectPath& path) {
+    WriteAttribute(xml, "<INSTANCENAME CLASSNAME=\"", path.getClassName());
+    xml.Markup(">");
+    const CIMPropertyArray keys = path.getKeys();
+    for (const CIMProperty& key : keys) {
+        WriteKeyBinding(xml, key);
+    }
+    xml.Markup("</INSTANCENAME>");
+}
+
+} // namespace cimserver::cimxml

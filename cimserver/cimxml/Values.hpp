@@ -1,0 +1,32 @@
+// Values and object paths as XML (DMTF DSP0201: VALUE and its relatives, INSTANCENAME and paths).
+// All functions throw CIMException FAILED for what has no XML form.
+#pragma once
+
+#include "cimserver/cimxml/XmlBuffer.hpp"
+
+#include "OW_CIM.hpp"
+
+#include <string_view>
+
+namespace cimserver::cimxml {
+
+inline std::string_view View(const OpenWBEM::String& text) {
+    return {text.c_str(), text.length()};
+}
+
+/// ` NAME="..."` and the like: `start` holds everything up to the value's opening quote.
+void WriteAttribute(XmlBuffer& xml, std::string_view start, const OpenWBEM::String& value);
+
+/// The name of a simple type; empty for a type that has none (null, references, embedded objects).
+std::string_view TypeName(OpenWBEM::CIMDataType::Type type);
+
+/// VALUE, VALUE.ARRAY or VALUE.REFERENCE; nothing for null.
+void WriteValue(XmlBuffer& xml, const OpenWBEM::CIMValue& value);
+
+/// CLASSNAME.
+void WriteClassName(XmlBuffer& xml, const OpenWBEM::String& name);
+
+/// INSTANCENAME with the path's class name and keys.
+void WriteInstanceName(XmlBuffer& xml, const OpenWBEM::CIMObjectPath& path);
+
+} // namespace cimserver::cimxml

@@ -1,0 +1,111 @@
+#include "cimserver/host/Host.hpp"
+
+#include "cimserver/host/Environment.hpp"
+#include "cimserver/host/Registry.hpp"
+#include "cimserver/host/StartUp.hpp"
+#include "cimserver/host/Store.hpp"
+
+#include "OW_CIMException.hpp"
+#include "OW_String.hpp"
+
+#include <condition_variable>
+#include <csignal>
+#include <mutex>
+#include <stop_token>
+#include <thread>
+#include <utility>
+
+namespace cimserver::host {
+
+namespace {
+
+// No signal is blocked in this thread while one lives: a program that a provider starts inherits
+// the mask of the thread, and the threads that bring requests may block some.
+class OpenSignalMask {
+public:
+    OpenSignalMask() {
+        sigset_t none;
+        sigemptyset(&none);
+        pthread_sigmask(SIG_SETMASK, &none, &before_);
+    }
+    ~OpenSignalMask() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+    OpenSignalMask(const OpenSignalMask&) = delete;
+    OpenSignalMask& operator=(const OpenSignalMask&) = delete;
+
+private:
+    sigset_t before_{};
+};
+
+[[noreturn]] void RefuseProvider(const std::string& id) {
+    OW_THROWCIMMSG(OpenWBEM::CIMException::FAILED, ("Invalid provider: " + id).c_str());
+}
+
+} // namespace
+
+struct Host::State {
+    explicit State(Settings given)
+        : settings(std::make_shared<const Settings>(std::move(given))),
+          log(LoggerFor(settings->logger, "ow.provider.cpp.ifc")),
+          store(settings->directories, log) {}
+
+    OpenWBEM::ProviderEnvironmentIFCRef EnvironmentFor(const std::string& user) const {
+        return OpenWBEM::ProviderEnvironmentIFCRef(new Environment(settings, user));
+    }
+    void KeepHouse(const std::stop_token& stop);
+
+    // In the order of life: the thread ends first, then the providers.
+    const std::shared_ptr<const Settings> settings;
+    const OpenWBEM::LoggerRef log;
+    Registry registry;
+    Store store;
+    std::jthread housekeeper;
+};
+
+void Host::State::KeepHouse(const std::stop_token& stop) {
+    std::mutex mutex;
+    std::condition_variable_any never;
+    std::unique_lock lock(mutex);
+    while (!stop.stop_requested()) {
+        never.wait_for(lock, stop, settings->housekeepingInterval, [] { return false; });
+        if (!stop.stop_requested()) {
+            store.DropIdle(settings->idleTime);
+        }
+    }
+}
+
+Host::Host(Settings settings) : state_(std::make_unique<State>(std::move(settings))) {
+    State& state = *state_;
+    StartUp(state.store, state.registry, state.log, state.EnvironmentFor({}))
+        .Run(state.settings->directories);
+    if (state.settings->idleTime.count() >= 0) {
+        state.housekeeper =
+            std::jthread([&state](const std::stop_token& stop) { state.KeepHouse(stop); });
+    }
+}
+
+Host::~Host() = default;
+
+bool Host::WithInstanceProvider(const Target& target, const CallInfo& info,
+                                const InstanceCall& call) {
+    const auto id = state_->registry.Choose(target, *state_->log);
+    if (!id) {
+        return false;
+    }
+    const OpenSignalMask mask;
+    const auto env = state_->EnvironmentFor(info.user);
+    const auto use = [&](OpenWBEM::CppProviderBaseIFC& provider) {
+        auto* instances = provider.getInstanceProvider();
+        if (instances == nullptr) {
+            state_->log->logError(
+                OpenWBEM::String(("provider " + *id + " serves no instances").c_str()));
+            RefuseProvider(*id);
+        }
+        call(*instances, env);
+    };
+    if (!state_->store.With(*id, env, use)) {
+        RefuseProvider(*id);
+    }
+    return true;
+}
+
+} // namespace cimserver::host

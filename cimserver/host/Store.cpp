@@ -1,0 +1,172 @@
+#include "cimserver/host/Store.hpp"
+
+#include "cimserver/host/Enter.hpp"
+
+#include "OW_CppProviderBaseIFC.hpp"
+#include "OW_String.hpp"
+
+#include <system_error>
+#include <utility>
+
+namespace cimserver::host {
+
+namespace {
+
+OpenWBEM::String Text(const std::string& text) {
+    return OpenWBEM::String(text.c_str());
+}
+
+} // namespace
+
+Store::Store(std::vector<std::filesystem::path> directories, OpenWBEM::LoggerRef log)
+    : directories_(std::move(directories)), log_(std::move(log)) {
+}
+
+std::vector<std::filesystem::path> Store::Candidates(const std::string& id) const {
+    std::vector<std::filesystem::path> files;
+    const bool isPlainName = id.find('/') == std::string::npos;
+    std::string searched;
+    for (const auto& directory : directories_) {
+        std::error_code ignored;
+        auto file = std::filesystem::absolute(directory) / ("lib" + id + ".so");
+        if (isPlainName && std::filesystem::exists(file, ignored)) {
+            files.push_back(std::move(file));
+        }
+        searched += " " + directory.string();
+    }
+    if (files.empty()) {
+        log_->logError(Text("there is no provider library lib" + id + ".so in" + searched));
+    }
+    return files;
+}
+
+std::optional<LoadedProvider> Store::OpenFile(const std::filesystem::path& file,
+                                              const std::string& id) const {
+    try {
+        Library library(file);
+        library.CheckVersion();
+        auto object = library.CreateProvider(id);
+        return LoadedProvider{std::move(library), std::move(object)};
+    } catch (const Refusal& refusal) {
+        log_->logError(Text(std::string("provider library not used: ") + refusal.what()));
+        return std::nullopt;
+    }
+}
+
+std::optional<Store::Opened> Store::Open(const std::string& id) const {
+    for (const auto& file : Candidates(id)) {
+        if (auto loaded = OpenFile(file, id)) {
+            return Opened{file, std::move(*loaded)};
+        }
+    }
+    return std::nullopt;
+}
+
+void Store::KeepForGood(const std::string& id, Opened opened) {
+    Keep(UnitOf(opened.file), id, std::move(opened.loaded), true);
+}
+
+Store::Unit& Store::UnitOf(const std::filesystem::path& file) {
+    std::error_code error;
+    auto key = std::filesystem::canonical(file, error);
+    if (error) {
+        key = file;
+    }
+    const std::lock_guard lock(tableMutex_);
+    auto& unit = units_[key];
+    if (unit == nullptr) {
+        unit = std::make_unique<Unit>();
+    }
+    return *unit;
+}
+
+Store::Unit* Store::LastUnitOf(const std::string& id) {
+    const std::lock_guard lock(tableMutex_);
+    const auto found = served_.find(id);
+    return found == served_.end() ? nullptr : found->second;
+}
+
+Store::Kept& Store::Keep(Unit& unit, const std::string& id, LoadedProvider loaded, bool forGood) {
+    auto& kept = unit.providers.try_emplace(id, Kept{std::move(loaded), Clock::now(), forGood})
+                     .first->second;
+    const std::lock_guard lock(tableMutex_);
+    served_[id] = &unit;
+    return kept;
+}
+
+Store::Kept* Store::FindOrLoad(Unit& unit, const std::filesystem::path& file, const std::string& id,
+                               const OpenWBEM::ProviderEnvironmentIFCRef& env) {
+    const auto found = unit.providers.find(id);
+    if (found != unit.providers.end()) {
+        return &found->second;
+    }
+    auto loaded = OpenFile(file, id);
+    if (!loaded) {
+        return nullptr;
+    }
+    Enter([&] { loaded->object->initialize(env); });
+    log_->logInfo(Text("provider " + id + " loaded from " + file.string()));
+    return &Keep(unit, id, std::move(*loaded), false);
+}
+
+bool Store::With(const std::string& id, const OpenWBEM::ProviderEnvironmentIFCRef& env,
+                 const std::function<void(OpenWBEM::CppProviderBaseIFC&)>& use) {
+    const auto call = [&use](Kept& kept) {
+        kept.lastCall = Clock::now();
+        kept.loaded.object->updateAccessTime();
+        Enter([&] { use(*kept.loaded.object); });
+    };
+    if (Unit* unit = LastUnitOf(id)) {
+        const std::lock_guard gate(unit->gate);
+        const auto found = unit->providers.find(id);
+        if (found != unit->providers.end()) {
+            call(found->second);
+            return true;
+        }
+    }
+    for (const auto& file : Candidates(id)) {
+        Unit& unit = UnitOf(file);
+        const std::lock_guard gate(unit.gate);
+        if (Kept* kept = FindOrLoad(unit, file, id, env)) {
+            call(*kept);
+            return true;
+        }
+    }
+    return false;
+}
+
+bool Store::MayGo(const std::string& id, const Kept& kept, Clock::time_point limit) const {
+    auto& object = *kept.loaded.object;
+    if (kept.forGood || kept.lastCall >= limit || object.getPersist()) {
+        return false;
+    }
+    try {
+        const bool agrees = Enter([&] { return object.canUnload(); });
+        log_->logInfo(Text("provider " + id + (agrees ? " is unloaded" : " stays, it is busy")));
+        return agrees;
+    } catch (const OpenWBEM::Exception& error) {
+        log_->logError(Text("provider " + id + " stays: canUnload: " + error.getMessage()));
+        return false;
+    }
+}
+
+void Store::DropIdle(std::chrono::milliseconds idleTime) {
+    std::vector<Unit*> units;
+    {
+        const std::lock_guard lock(tableMutex_);
+        for (const auto& [file, unit] : units_) {
+            units.push_back(unit.get());
+        }
+    }
+    const auto limit = Clock::now() - idleTime;
+    for (Unit* unit : units) {
+        const std::unique_lock gate(unit->gate, std::try_to_lock);
+        if (gate.owns_lock()) {
+            std::erase_if(unit->providers, [&](const auto& entry) {
+                return MayGo(entry.first, entry.second, limit);
+            });
+        }
+    }
+}
+
+} // namespace cimserver::host

@@ -1,0 +1,43 @@
+#include "cimserver/CommandLine.hpp"
+#include "cimserver/Configuration.hpp"
+#include "cimserver/Log.hpp"
+#include "cimserver/Process.hpp"
+#include "cimserver/Server.hpp"
+#include "cimserver/Settings.hpp"
+
+#include <exception>
+#include <iostream>
+
+namespace cimserver {
+
+namespace {
+
+ExitCode Run(int argc, const char* const* argv) {
+    Configuration configuration;
+    if (const auto done = ReadCommandLine(argc, argv, configuration, std::cout, std::cerr)) {
+        return *done;
+    }
+    const Settings settings =
+        ReadSettings(configuration, (ProgramDirectory() / "../lib/providers").lexically_normal());
+    SettleDescriptors();
+    const StopSignal stop;
+    const Server server(settings, configuration, MakeLogger(settings.logLevel));
+    for (const auto& url : server.Urls()) {
+        WriteReadinessLine("Listening on " + url);
+    }
+    stop.Wait();
+    return exitDone;
+}
+
+} // namespace
+
+} // namespace cimserver
+
+int main(int argc, char** argv) {
+    try {
+        return cimserver::Run(argc, argv);
+    } catch (const std::exception& error) {
+        std::cerr << "cimserver: " << error.what() << std::endl;
+        return cimserver::exitCannotStart;
+    }
+}

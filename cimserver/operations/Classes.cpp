@@ -1,0 +1,59 @@
+#include "cimserver/operations/Classes.hpp"
+
+#include "cimserver/operations/Flags.hpp"
+
+#include "OW_CIMException.hpp"
+
+#include <vector>
+
+namespace cimserver::operations {
+
+namespace {
+
+// An empty name stands for the top of the tree.
+std::vector<const OpenWBEM::CIMClass*> Below(const mof::Schema& schema,
+                                             const OpenWBEM::String& nameSpace,
+                                             const OpenWBEM::String& name, bool deep) {
+    if (!name.empty()) {
+        FindClass(schema, nameSpace, name);
+    }
+    return schema.Subclasses(name, deep);
+}
+
+} // namespace
+
+const OpenWBEM::CIMClass& FindClass(const mof::Schema& schema, const OpenWBEM::String& nameSpace,
+                                    const OpenWBEM::String& name) {
+    const auto* found = schema.FindClass(name);
+    if (found == nullptr) {
+        const OpenWBEM::String path = OpenWBEM::String("/") + nameSpace + ":" + name;
+        OW_THROWCIMMSG(OpenWBEM::CIMException::INVALID_CLASS, path.c_str());
+    }
+    return *found;
+}
+
+void Carry(const GetClass& call, const mof::Schema& schema, const OpenWBEM::String& nameSpace,
+           ResultSink& sink) {
+    const auto& cimClass = FindClass(schema, nameSpace, call.className);
+    sink.Class(cimClass.clone(LocalOnly(call.localOnly), IncludeQualifiers(call.includeQualifiers),
+                              IncludeClassOrigin(call.includeClassOrigin),
+                              Pointer(call.properties)));
+}
+
+void Carry(const EnumerateClasses& call, const mof::Schema& schema,
+           const OpenWBEM::String& nameSpace, ResultSink& sink) {
+    for (const auto* cimClass : Below(schema, nameSpace, call.className, call.deepInheritance)) {
+        sink.Class(cimClass->clone(LocalOnly(call.localOnly),
+                                   IncludeQualifiers(call.includeQualifiers),
+                                   IncludeClassOrigin(call.includeClassOrigin), nullptr));
+    }
+}
+
+void Carry(const EnumerateClassNames& call, const mof::Schema& schema,
+           const OpenWBEM::String& nameSpace, ResultSink& sink) {
+    for (const auto* cimClass : Below(schema, nameSpace, call.className, call.deepInheritance)) {
+        sink.ClassName(cimClass->getName());
+    }
+}
+
+} // namespace cimserver::operations

@@ -1,0 +1,70 @@
+#include "cimserver/operations/Operations.hpp"
+
+#include "cimserver/host/Host.hpp"
+#include "cimserver/mof/Mof.hpp"
+#include "cimserver/operations/Classes.hpp"
+#include "cimserver/operations/Instances.hpp"
+
+#include "OW_CIMException.hpp"
+
+#include <type_traits>
+#include <utility>
+
+namespace cimserver::operations {
+
+namespace {
+
+template <class CallType>
+constexpr bool asksSchemaOnly =
+    std::is_same_v<CallType, GetClass> || std::is_same_v<CallType, EnumerateClasses> ||
+    std::is_same_v<CallType, EnumerateClassNames>;
+
+OpenWBEM::String WithoutSlashes(OpenWBEM::String nameSpace) {
+    while (nameSpace.startsWith("/")) {
+        nameSpace = nameSpace.substring(1);
+    }
+    return nameSpace;
+}
+
+void CheckSupported(const Call& call) {
+    if (const auto* other = std::get_if<OtherOperation>(&call)) {
+        OW_THROWCIMMSG(OpenWBEM::CIMException::NOT_SUPPORTED, other->name.c_str());
+    }
+}
+
+void CheckNameSpace(const OpenWBEM::String& asked, const OpenWBEM::String& served) {
+    if (!asked.equalsIgnoreCase(served)) {
+        OW_THROWCIMMSG(OpenWBEM::CIMException::INVALID_NAMESPACE, asked.c_str());
+    }
+}
+
+} // namespace
+
+Operations::Operations(const mof::Schema& schema, host::ProviderSource& providers,
+                       OpenWBEM::String nameSpace)
+    : schema_(schema), providers_(providers), nameSpace_(WithoutSlashes(std::move(nameSpace))) {
+}
+
+// Of several faults the standard's order counts: operation, namespace, parameters, class.
+void Operations::Execute(const Request& request, ResultSink& sink) {
+    try {
+        CheckSupported(request.call);
+        const Surroundings around{schema_, providers_, WithoutSlashes(request.nameSpace),
+                                  request.user};
+        CheckNameSpace(around.nameSpace, nameSpace_);
+        std::visit(
+            [&](const auto& call) {
+                using CallType = std::decay_t<decltype(call)>;
+                if constexpr (asksSchemaOnly<CallType>) {
+                    Carry(call, schema_, around.nameSpace, sink);
+                } else if constexpr (!std::is_same_v<CallType, OtherOperation>) {
+                    Carry(call, around, sink);
+                }
+            },
+            request.call);
+    } catch (...) {
+        host::RethrowAsCimException();
+    }
+}
+
+} // namespace cimserver::operations

@@ -1,0 +1,7 @@
+#pragma once
+
+#include "OW_config.h"
+
+#include "OW_CIMFwd.hpp"
+#include "OW_CIMObjectPath.hpp"
+#include "OW_Enumeration.hpp"

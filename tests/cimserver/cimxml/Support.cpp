@@ -1,0 +1,67 @@
+#include "Support.hpp"
+
+#include "support/DtdCheck.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace cimxml_test {
+
+std::string Reply::Header(std::string_view name) const {
+    for (const auto& [key, value] : status.headers) {
+        if (key == name) {
+            return value;
+        }
+    }
+    return "(absent)";
+}
+
+Reply Ask(std::string_view body, cimserver::operations::Executor& executor,
+          const cimserver::cimxml::HeaderList& headers, const std::string& method) {
+    TextOutput output;
+    Reply reply;
+    reply.status = cimserver::cimxml::Answer({method, headers, body, "somebody"}, executor, output);
+    reply.text = output.text;
+    if (reply.status.httpStatus == 200) {
+        EXPECT_THAT(test_support::DtdProblems(reply.text), testing::IsEmpty()) << reply.text;
+        EXPECT_THAT(test_support::PlainClientProblems(reply.text), testing::IsEmpty())
+            << reply.text;
+    } else {
+        EXPECT_EQ(reply.text, "");
+    }
+    return reply;
+}
+
+std::string Results(const std::function<void(ResultSink&)>& action) {
+    FakeExecutor executor([&](const Request&, ResultSink& sink) { action(sink); });
+    return Ask(test_support::IntrinsicCall(
+                   "EnumerateInstances",
+                   R"(<IPARAMVALUE NAME="ClassName"><CLASSNAME NAME="A"/></IPARAMVALUE>)"),
+               executor)
+        .text;
+}
+
+std::string ReturnValue(const std::function<void(ResultSink&)>& action) {
+    const std::string answer = Results(action);
+    return Between(answer, "<IRETURNVALUE>", "</IRETURNVALUE>");
+}
+
+std::string Between(std::string_view text, std::string_view start, std::string_view end) {
+    const std::size_t from = text.find(start);
+    const std::size_t to = from == text.npos ? from : text.find(end, from + start.size());
+    if (to == text.npos) {
+        ADD_FAILURE() << start << " ... " << end << " is not in " << text;
+        return {};
+    }
+    return std::string(text.substr(from + start.size(), to - from - start.size()));
+}
+
+std::string ErrorIn(std::string_view answer) {
+    if (answer.find("<ERROR CODE=\"") == answer.npos) {
+        return std::string(answer);
+    }
+    return Between(answer, "<ERROR CODE=\"", "\"") + ": " +
+           Between(answer, "DESCRIPTION=\"", "\"></ERROR>");
+}
+
+} // namespace cimxml_test

@@ -1,0 +1,74 @@
+// The CIM-XML layer without its neighbours: an executor that does what the test says and remembers
+// what it was asked, and an output that keeps the text.
+#pragma once
+
+#include "cimserver/cimxml/CimXml.hpp"
+#include "support/CimClient.hpp"
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace cimxml_test {
+
+using cimserver::operations::Request;
+using cimserver::operations::ResultSink;
+
+class FakeExecutor : public cimserver::operations::Executor {
+public:
+    using Action = std::function<void(const Request&, ResultSink&)>;
+    explicit FakeExecutor(Action action = {}) : action_(std::move(action)) {}
+
+    void Execute(const Request& request, ResultSink& sink) override {
+        last = request;
+        if (action_) {
+            action_(request, sink);
+        }
+    }
+
+    std::optional<Request> last;
+
+private:
+    Action action_;
+};
+
+class TextOutput : public cimserver::cimxml::Output {
+public:
+    void Write(std::string_view part) override { text += part; }
+    void Restart() override {
+        text.clear();
+        ++restarts;
+    }
+
+    std::string text;
+    int restarts = 0;
+};
+
+struct Reply {
+    cimserver::cimxml::Status status;
+    std::string text;
+
+    std::string Header(std::string_view name) const;
+};
+
+/// Sends a body as a client does. Every text that comes back must be valid; it is a test failure
+/// when it is not.
+Reply Ask(std::string_view body, cimserver::operations::Executor& executor,
+          const cimserver::cimxml::HeaderList& headers = {{"CIMOperation", "MethodCall"}},
+          const std::string& method = "POST");
+
+/// The answer to an EnumerateInstances whose results `action` delivers.
+std::string Results(const std::function<void(ResultSink&)>& action);
+
+/// What stands between the IRETURNVALUE tags of such an answer.
+std::string ReturnValue(const std::function<void(ResultSink&)>& action);
+
+/// `text` between the first `start` and the next `end` after it; fails the test when they are not
+/// there.
+std::string Between(std::string_view text, std::string_view start, std::string_view end);
+
+/// "4: invalid parameter ..." of an ERROR answer; the whole text when it is none.
+std::string ErrorIn(std::string_view answer);
+
+} // namespace cimxml_test

@@ -1,0 +1,126 @@
+#include "cimserver/Settings.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+using namespace std::chrono_literals;
+using cimserver::Configuration;
+using cimserver::ConfigurationError;
+using cimserver::ReadSettings;
+using testing::ElementsAre;
+
+constexpr const char* defaultProviders = "/default/providers";
+const std::string needed = "cimserver.mof_files = /a.mof\n";
+
+cimserver::Settings Read(const std::string& text) {
+    Configuration configuration;
+    configuration.AddText(needed + text, "my.conf");
+    return ReadSettings(configuration, defaultProviders);
+}
+
+std::string Error(const std::string& text) {
+    try {
+        Read(text);
+    } catch (const ConfigurationError& error) {
+        return error.what();
+    }
+    return "no error";
+}
+
+TEST(Settings, Defaults) {
+    const auto settings = Read("");
+    EXPECT_THAT(settings.addresses, ElementsAre("127.0.0.1"));
+    EXPECT_EQ(settings.port, 5988);
+    EXPECT_THAT(settings.providerDirectories, ElementsAre(defaultProviders));
+    EXPECT_EQ(settings.providerIdle, 5min);
+    EXPECT_EQ(settings.logLevel, OpenWBEM::E_ERROR_LEVEL);
+    EXPECT_THAT(settings.mofFiles, ElementsAre("/a.mof"));
+    EXPECT_EQ(settings.nameSpace, "root/cimv2");
+}
+
+TEST(Settings, EveryItemCounts) {
+    const auto settings = Read("http_server.listen_addresses = 127.0.0.2\t::1 127.255.255.255\n"
+                               "http_server.http_port = 0\n"
+                               "cppprovifc.prov_location = /:/tmp;/usr\n"
+                               "cppprovifc.prov_TTL = -1\n"
+                               "log.main.level = DEBUG\n"
+                               "cimserver.namespace = /root/other/\n");
+    EXPECT_THAT(settings.addresses, ElementsAre("127.0.0.2", "::1", "127.255.255.255"));
+    EXPECT_EQ(settings.port, 0);
+    EXPECT_THAT(settings.providerDirectories, ElementsAre("/", "/tmp", "/usr"));
+    EXPECT_EQ(settings.providerIdle, -1min);
+    EXPECT_EQ(settings.logLevel, OpenWBEM::E_DEBUG_LEVEL);
+    EXPECT_EQ(settings.nameSpace, "root/other");
+}
+
+TEST(Settings, RelativePathsAreOfTheWorkingDirectory) {
+    Configuration configuration;
+    configuration.AddText("cimserver.mof_files = one.mof:two.mof", "my.conf");
+    const auto here = std::filesystem::current_path();
+    EXPECT_THAT(ReadSettings(configuration, defaultProviders).mofFiles,
+                ElementsAre(here / "one.mof", here / "two.mof"));
+}
+
+TEST(Settings, LogLevels) {
+    EXPECT_EQ(Read("log.main.level = fatal").logLevel, OpenWBEM::E_FATAL_ERROR_LEVEL);
+    EXPECT_EQ(Read("log.main.level = Error").logLevel, OpenWBEM::E_ERROR_LEVEL);
+    EXPECT_EQ(Read("log.main.level = INFO").logLevel, OpenWBEM::E_INFO_LEVEL);
+    EXPECT_EQ(Read("log.main.level = debug").logLevel, OpenWBEM::E_DEBUG_LEVEL);
+}
+
+TEST(Settings, WithoutMofFilesThereIsNothingToServe) {
+    Configuration configuration;
+    try {
+        ReadSettings(configuration, defaultProviders);
+        FAIL() << "nothing thrown";
+    } catch (const ConfigurationError& error) {
+        EXPECT_STREQ(error.what(),
+                     "no MOF file: name the files that declare the classes with --mof FILE or with "
+                     "the item cimserver.mof_files");
+    }
+}
+
+struct Row {
+    const char* line;
+    const char* why;
+};
+
+class RefusedItem : public testing::TestWithParam<Row> {};
+
+TEST_P(RefusedItem, IsNamedWithPlaceAndReason) {
+    const auto [line, why] = GetParam();
+    EXPECT_EQ(Error(line), "my.conf:2: " + std::string(line) + ": " + why);
+}
+
+constexpr const char* portRange = "expected a whole number from 0 to 65535";
+constexpr const char* idleRange = "expected a whole number from -1 to 1000000";
+
+INSTANTIATE_TEST_SUITE_P(
+    All, RefusedItem,
+    testing::Values(
+        Row{"http_server.http_port = 65536", portRange},
+        Row{"http_server.http_port = -2", portRange},
+        Row{"http_server.http_port = http", portRange},
+        Row{"http_server.http_port = 5988x", portRange},
+        Row{"http_server.http_port = -1", "without HTTP this server has nothing to listen on"},
+        Row{"http_server.listen_addresses = 0.0.0.0",
+            "`0.0.0.0` can be reached from other machines, and this server has no authentication; "
+            "use 127.0.0.1 or ::1"},
+        Row{"http_server.listen_addresses = 127.0.0.1 ::",
+            "`::` can be reached from other machines, and this server has no authentication; use "
+            "127.0.0.1 or ::1"},
+        Row{"http_server.listen_addresses = 128.0.0.1",
+            "`128.0.0.1` can be reached from other machines, and this server has no "
+            "authentication; use 127.0.0.1 or ::1"},
+        Row{"http_server.listen_addresses = localhost",
+            "`localhost` is no numeric IPv4 or IPv6 address"},
+        Row{"cppprovifc.prov_location = /tmp:/absent/dir", "there is no directory /absent/dir"},
+        Row{"cppprovifc.prov_TTL = soon", idleRange}, Row{"cppprovifc.prov_TTL = -2", idleRange},
+        Row{"log.main.level = loud", "expected fatal, error, info or debug"},
+        Row{"cimserver.namespace = //", "expected a name such as root/cimv2"}));
+
+} // namespace

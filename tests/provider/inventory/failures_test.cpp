@@ -1,0 +1,211 @@
+#include "InventoryTest.hpp"
+
+#include <cerrno>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include <sys/wait.h>
+
+using namespace OpenWBEM;
+using test_support::CimError;
+using test_support::CimErrorOf;
+using test_support::Failed;
+using test_support::NotFound;
+using test_support::ToolAnswer;
+using testing::ElementsAre;
+
+namespace {
+
+std::size_t OpenDescriptors() {
+    const std::filesystem::directory_iterator descriptors("/proc/self/fd");
+    return static_cast<std::size_t>(std::distance(begin(descriptors), end(descriptors)));
+}
+
+long ResidentKilobytes() {
+    std::ifstream status("/proc/self/statm");
+    long total = 0;
+    long resident = 0;
+    status >> total >> resident;
+    return resident * 4;
+}
+
+bool NoChildIsLeft() {
+    return waitpid(-1, nullptr, WNOHANG) == -1 && errno == ECHILD;
+}
+
+} // namespace
+
+// Every one of these leaves nothing open, nothing running, and a provider that answers the next
+// call.
+class InventoryFailures : public InventoryTest {
+protected:
+    InventoryFailures() {
+        tool.Plays("--errors", ToolAnswer().Output("A description.\n"));
+        Prints(Line("bash", "5"));
+        calls.EnumInstances(IDENTITY);
+        log->Forget();
+        descriptors_ = OpenDescriptors();
+    }
+
+    ~InventoryFailures() override {
+        EXPECT_EQ(OpenDescriptors(), descriptors_);
+        EXPECT_TRUE(NoChildIsLeft());
+        tool.RestoreTool();
+        Prints(Line("vim", "9"));
+        EXPECT_EQ(calls.EnumInstances(IDENTITY).size(), 1U);
+    }
+
+    CimError Enumerate() {
+        return CimErrorOf([&] { calls.EnumInstances(IDENTITY); });
+    }
+
+    static std::string MissingField(const std::string& field) {
+        return "Failed to parse " + field + " field from /qv/bin/patchkeeper \n" +
+               "#SWU_Error_ParsingFailed," + field + ",/qv/bin/patchkeeper #";
+    }
+
+private:
+    std::size_t descriptors_ = 0;
+};
+
+TEST_F(InventoryFailures, AFailingToolIsDescribedAndLeavesNothing) {
+    tool.Plays("", ToolAnswer().Output(Line("bash", "5")).ExitCode(23));
+    const std::string text = "A description.\n\n#SWU_Patchkeeper_NoPatchesFound#";
+    EXPECT_EQ(Enumerate(), Failed(text));
+    EXPECT_THAT(log->All(), ElementsAre("INFO: Executing: /qv/bin/patchkeeper ",
+                                        "INFO: Executing: /qv/bin/patchkeeper --errors 23",
+                                        "INFO: Exception: " + text));
+    EXPECT_EQ(CimErrorOf([&] { Get("0"); }), NotFound());
+}
+
+TEST_F(InventoryFailures, EveryEnumerationFailsAlike) {
+    tool.Plays("", ToolAnswer().ExitCode(34));
+    const CimError error = Failed("A description.\n\n#SWU_Patchkeeper_TimeZoneNotSet#");
+    EXPECT_EQ(CimErrorOf([&] { calls.EnumInstanceNames(IDENTITY); }), error);
+    EXPECT_EQ(CimErrorOf([&] { calls.EnumInstances(CARTRIDGE); }), error);
+    EXPECT_EQ(CimErrorOf([&] { calls.EnumInstanceNames(CARTRIDGE); }), error);
+}
+
+TEST_F(InventoryFailures, AMissingTool) {
+    tool.TakeToolAway();
+    EXPECT_EQ(Enumerate(), Failed("SWU_Patchkeeper_Unknown"));
+    EXPECT_THAT(log->All(), ElementsAre("INFO: Executing: /qv/bin/patchkeeper ",
+                                        "INFO: Executing: /qv/bin/patchkeeper --errors 127",
+                                        "INFO: Exception: SWU_Patchkeeper_Unknown"));
+}
+
+TEST_F(InventoryFailures, AToolThatIsNotExecutable) {
+    tool.MakeToolNotExecutable();
+    EXPECT_EQ(Enumerate(), Failed("SWU_Patchkeeper_Unknown"));
+    EXPECT_TRUE(log->Contains("INFO: Executing: /qv/bin/patchkeeper --errors 126"));
+}
+
+// Debian's shell waits for the tool and turns the signal into an exit code.
+TEST_F(InventoryFailures, AKilledTool) {
+    tool.Plays("", ToolAnswer().Output(Line("vim", "9")).DiesBySignal(SIGKILL));
+    EXPECT_EQ(Enumerate(), Failed("A description.\n\n#SWU_Patchkeeper_Unknown#"));
+    EXPECT_TRUE(log->Contains("INFO: Executing: /qv/bin/patchkeeper --errors 137"));
+    EXPECT_EQ(CimErrorOf([&] { Get("0"); }), NotFound());
+}
+
+TEST_F(InventoryFailures, EachMissingFieldIsNamed) {
+    Prints("\n");
+    EXPECT_EQ(Enumerate(), Failed(MissingField("Name")));
+    Prints("bash\n");
+    EXPECT_EQ(Enumerate(), Failed(MissingField("Version")));
+    Prints("bash\t5\n");
+    EXPECT_EQ(Enumerate(), Failed(MissingField("Classification")));
+    Prints("bash\t5\tOther\n");
+    EXPECT_EQ(Enumerate(), Failed(MissingField("Date")));
+}
+
+TEST_F(InventoryFailures, AnEmptyFieldShiftsTheOthers) {
+    Prints("bash\t\tOther\tThu Jan  2 03:04:05 UTC 2025\n");
+    EXPECT_EQ(Enumerate(), Failed(MissingField("Date")));
+}
+
+TEST_F(InventoryFailures, AShortLineKeepsTheRecordsBeforeIt) {
+    Prints(Line("a", "1") + Line("b", "2") + "c\t3\n" + Line("d", "4"));
+    EXPECT_EQ(Enumerate(), Failed(MissingField("Classification")));
+    EXPECT_THAT(log->All(),
+                ElementsAre("INFO: Executing: /qv/bin/patchkeeper ",
+                            "ERROR: Failed to parse Classification field from /qv/bin/patchkeeper ",
+                            "INFO: Exception: " + MissingField("Classification")));
+    EXPECT_EQ(Get("1").getPropertyValue("Name"), CIMValue("b"));
+    EXPECT_EQ(CimErrorOf([&] { Get("2"); }), NotFound());
+}
+
+TEST_F(InventoryFailures, FieldsBeyondTheFourthAreIgnored) {
+    Prints("bash\t5\tOther\tThu Jan  2 03:04:05 UTC 2025\tmore\tand more\n");
+    EXPECT_EQ(Enumerate().number, 0);
+}
+
+TEST_F(InventoryFailures, TheLastLineNeedsNoNewline) {
+    Prints("bash\t5\tOther\tThu Jan  2 03:04:05 UTC 2025");
+    EXPECT_EQ(Enumerate().number, 0);
+}
+
+TEST_F(InventoryFailures, ALineOfMoreThan1023CharactersFallsApart) {
+    Prints(Line(std::string(1100, 'n'), "5"));
+    EXPECT_EQ(Enumerate(), Failed(MissingField("Version")));
+}
+
+TEST_F(InventoryFailures, AnyBytesPassAsText) {
+    Prints(Line("\xff\xc3\x01", "5") + Line("a\r", "6"));
+    const CIMInstanceArray instances = calls.EnumInstances(IDENTITY);
+    EXPECT_EQ(instances[0].getPropertyValue("Name"), CIMValue("\xff\xc3\x01"));
+    EXPECT_EQ(instances[1].getPropertyValue("Name"), CIMValue("a\r"));
+}
+
+TEST_F(InventoryFailures, AZeroByteEndsItsLine) {
+    Prints(std::string("ba\0sh\t5\tOther\tx\n", 16));
+    EXPECT_EQ(Enumerate(), Failed(MissingField("Version")));
+}
+
+TEST_F(InventoryFailures, AnUnreadableDateIsTheLibrarysException) {
+    Prints("bash\t5\tOther\tyesterday\n");
+    EXPECT_THROW(calls.EnumInstances(IDENTITY), DateTimeException);
+    EXPECT_EQ(calls.EnumInstanceNames(IDENTITY).size(), 1U);
+    EXPECT_THROW(Get("0"), DateTimeException);
+}
+
+TEST_F(InventoryFailures, TenMegabytesOfGarbage) {
+    Prints(std::string(10'000'000, 'x'));
+    EXPECT_EQ(Enumerate(), Failed(MissingField("Version")));
+}
+
+TEST_F(InventoryFailures, AManyMegabytesLongDescription) {
+    tool.Plays("", ToolAnswer().ExitCode(11));
+    const std::string description(10'000'000, 'd');
+    tool.Plays("--errors", ToolAnswer().Output(description));
+    EXPECT_EQ(Enumerate(), Failed(description + "\n#SWU_Patchkeeper_FtpFailed#"));
+}
+
+TEST_F(InventoryFailures, AHandlerThatThrowsEndsTheEnumeration) {
+    class Thrower : public CIMInstanceResultHandlerIFC {
+        void doHandle(const CIMInstance&) override { OW_THROWCIM(CIMException::ACCESS_DENIED); }
+    } thrower;
+    EXPECT_EQ(CimErrorOf([&] { calls.EnumInstances(IDENTITY, thrower); }).number, 2);
+}
+
+TEST_F(InventoryFailures, TwoHundredFailuresLeaveNothingBehind) {
+    const auto failInEachWay = [&] {
+        tool.Plays("", ToolAnswer().ExitCode(11));
+        EXPECT_EQ(Enumerate().number, 1);
+        Prints("short\n");
+        EXPECT_EQ(Enumerate().number, 1);
+    };
+    for (int i = 0; i < 20; ++i) {
+        failInEachWay();
+    }
+    const long before = ResidentKilobytes();
+    for (int i = 0; i < 100; ++i) {
+        failInEachWay();
+        log->Forget();
+    }
+    // A buffer, a list or a pipe left behind each time would be 50 KB and more; a sanitizer's
+    // quarantine holds back a few megabytes.
+    EXPECT_LT(ResidentKilobytes() - before, 8192);
+}

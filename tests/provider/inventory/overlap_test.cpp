@@ -1,0 +1,116 @@
+#include "InventoryTest.hpp"
+
+#include <functional>
+
+using namespace OpenWBEM;
+using test_support::CimErrorOf;
+using test_support::ToolAnswer;
+
+namespace {
+
+// Runs the actions side by side, each the given number of times.
+void RunTogether(const std::vector<std::function<void()>>& actions, int times) {
+    std::vector<std::thread> threads;
+    for (const auto& action : actions) {
+        threads.emplace_back([&action, times] {
+            for (int i = 0; i < times; ++i) {
+                action();
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+}
+
+} // namespace
+
+class InventoryOverlap : public InventoryTest {
+protected:
+    InventoryOverlap() {
+        std::string output;
+        for (int i = 0; i < SIZE; ++i) {
+            output += Line("package" + std::to_string(i), std::to_string(i));
+        }
+        output += Line("znxliteEMcartridge", "7");
+        Prints(output);
+        tool.Plays("--setinprogress", ToolAnswer());
+        tool.Plays("--apply", ToolAnswer().ExitCode(3));
+        calls.EnumInstances(IDENTITY);
+    }
+
+    static constexpr int SIZE = 50;
+};
+
+TEST_F(InventoryOverlap, EverythingAtOnceGivesEveryCallItsOwnAnswer) {
+    const auto enumerate = [&] {
+        const CIMInstanceArray instances = calls.EnumInstances(IDENTITY);
+        ASSERT_EQ(instances.size(), SIZE + 1U);
+        for (std::size_t i = 0; i < SIZE; ++i) {
+            ASSERT_EQ(instances[i].getPropertyValue("Name"),
+                      CIMValue(("package" + std::to_string(i)).c_str()));
+        }
+    };
+    const auto names = [&] { ASSERT_EQ(calls.EnumInstanceNames(IDENTITY).size(), SIZE + 1U); };
+    const auto cartridges = [&] { ASSERT_EQ(calls.EnumInstances(CARTRIDGE).size(), 1U); };
+    const auto get = [&] {
+        for (int i = 0; i < 50; ++i) {
+            ASSERT_EQ(Get("7").getPropertyValue("Name"), CIMValue("package7"));
+        }
+    };
+    const auto failure = [] {
+        char line[] = "only\n";
+        GetNextToken(line, "A", "b");
+        ASSERT_EQ(
+            CimErrorOf([] { GetNextToken(nullptr, "B", "b"); }),
+            test_support::Failed("Failed to parse B field from b\n#SWU_Error_ParsingFailed,B,b#"));
+    };
+    const auto background = [] { SpawnBackgroundThread("/qv/bin/patchkeeper --apply"); };
+    RunTogether({enumerate, enumerate, names, cartridges, get, get, failure, background}, 20);
+}
+
+TEST_F(InventoryOverlap, AnEnumerationKeepsItsRecordsWhileAnotherReplacesTheList) {
+    // In the middle of the first enumeration a second one replaces the list by an empty one.
+    class Interrupted : public CIMInstanceResultHandlerIFC {
+    public:
+        explicit Interrupted(std::function<void()> interruption)
+            : interruption_(std::move(interruption)) {}
+        std::size_t handled = 0;
+
+    private:
+        void doHandle(const CIMInstance&) override {
+            if (handled++ == 3) {
+                interruption_();
+            }
+        }
+        std::function<void()> interruption_;
+    } result([&] {
+        Prints("");
+        EXPECT_TRUE(calls.EnumInstances(IDENTITY).empty());
+    });
+    calls.EnumInstances(IDENTITY, result);
+    EXPECT_EQ(result.handled, SIZE + 1U);
+}
+
+TEST_F(InventoryOverlap, NothingIsLockedWhileTheToolRuns) {
+    tool.ForgetCalls();
+    tool.Plays("", ToolAnswer().Output(Line("late", "1")).Held());
+    std::thread slow([&] { EXPECT_EQ(calls.EnumInstances(IDENTITY).size(), 1U); });
+    ASSERT_TRUE(tool.WaitForCalls(1));
+    EXPECT_EQ(Get("7").getPropertyValue("Name"), CIMValue("package7"));
+    tool.Release("");
+    slow.join();
+    EXPECT_EQ(Get("0").getPropertyValue("Name"), CIMValue("late"));
+}
+
+TEST_F(InventoryOverlap, AFailingEnumerationDoesNotSpoilAnotherOne) {
+    const auto enumerate = [&] {
+        const std::size_t size = calls.EnumInstances(IDENTITY).size();
+        ASSERT_EQ(size, SIZE + 1U);
+    };
+    const auto fail = [&] {
+        // What a failed refresh publishes: nothing.
+        ListRefresh<InventoryObject> refresh(gInventoryList);
+    };
+    RunTogether({enumerate, enumerate, fail, fail}, 30);
+}

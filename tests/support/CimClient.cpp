@@ -1,0 +1,122 @@
+#include "support/CimClient.hpp"
+
+#include "support/HttpHead.hpp"
+
+#include <array>
+#include <cerrno>
+#include <stdexcept>
+#include <system_error>
+
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <sys/time.h>
+#include <unistd.h>
+
+namespace test_support {
+
+namespace {
+
+[[noreturn]] void Fail(const char* what) {
+    throw std::system_error(errno, std::generic_category(), what);
+}
+
+} // namespace
+
+CimClient::CimClient(std::uint16_t port) : socket_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+    if (socket_ < 0) {
+        Fail("socket");
+    }
+    const timeval limit{.tv_sec = 30, .tv_usec = 0};
+    setsockopt(socket_, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
+    setsockopt(socket_, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(port);
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    if (connect(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
+        const int error = errno;
+        close(socket_);
+        errno = error;
+        Fail("connect");
+    }
+}
+
+CimClient::~CimClient() {
+    close(socket_);
+}
+
+void CimClient::Send(std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t sent = send(socket_, bytes.data(), bytes.size(), MSG_NOSIGNAL);
+        if (sent < 0) {
+            Fail("send");
+        }
+        bytes.remove_prefix(static_cast<std::size_t>(sent));
+    }
+}
+
+void CimClient::FinishSending() {
+    if (shutdown(socket_, SHUT_WR) != 0) {
+        Fail("shutdown");
+    }
+}
+
+bool CimClient::Fill() {
+    std::array<char, 64 * 1024> part;
+    const ssize_t count = recv(socket_, part.data(), part.size(), 0);
+    if (count < 0 && errno != ECONNRESET) {
+        Fail("nothing received");
+    }
+    if (count <= 0) {
+        return false;
+    }
+    received_.append(part.data(), static_cast<std::size_t>(count));
+    return true;
+}
+
+HttpAnswer CimClient::Receive() {
+    std::optional<HttpHead> head;
+    while (!(head = ReadHead(received_)) || received_.size() < head->length + head->bodyLength) {
+        if (!Fill()) {
+            throw std::runtime_error("the connection was closed within an answer: " + received_);
+        }
+    }
+    head->answer.body = received_.substr(head->length, head->bodyLength);
+    received_.erase(0, head->length + head->bodyLength);
+    return head->answer;
+}
+
+bool CimClient::IsClosedByServer() {
+    while (Fill()) {
+    }
+    return received_.empty();
+}
+
+HttpAnswer CimClient::Request(std::string_view method, const HeaderList& headers,
+                              std::string_view body) {
+    std::string text = std::string(method) + " /cimom HTTP/1.1\r\nHost: localhost\r\n";
+    for (const auto& [name, value] : headers) {
+        text += name + ": " + value + "\r\n";
+    }
+    text += "Content-Length: " + std::to_string(body.size()) + "\r\n\r\n";
+    Send(text.append(body));
+    return Receive();
+}
+
+HttpAnswer CimClient::Post(std::string_view body) {
+    return Request(
+        "POST",
+        {{"Content-Type", "application/xml; charset=\"utf-8\""}, {"CIMOperation", "MethodCall"}},
+        body);
+}
+
+std::string IntrinsicCall(std::string_view operation, std::string_view parameters) {
+    std::string text = R"(<?xml version="1.0" encoding="utf-8"?>
+<CIM CIMVERSION="2.0" DTDVERSION="2.0"><MESSAGE ID="4711" PROTOCOLVERSION="1.0"><SIMPLEREQ>)";
+    text.append("<IMETHODCALL NAME=\"").append(operation).append("\">");
+    text.append(R"(<LOCALNAMESPACEPATH><NAMESPACE NAME="root"/><NAMESPACE NAME="cimv2"/>)");
+    text.append("</LOCALNAMESPACEPATH>").append(parameters);
+    return text.append("</IMETHODCALL></SIMPLEREQ></MESSAGE></CIM>");
+}
+
+} // namespace test_support

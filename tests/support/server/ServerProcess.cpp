@@ -1,0 +1,145 @@
+#include "tests/support/server/ServerProcess.hpp"
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <stdexcept>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+namespace test_support {
+namespace {
+
+const std::string listening = "Listening on http://127.0.0.1:";
+
+std::vector<std::string> CommandLine(const std::vector<std::string>& more) {
+    std::vector<std::string> words = {CIMSERVER_PROGRAM,
+                                      "--listen",
+                                      "127.0.0.1:0",
+                                      "--provider-dir",
+                                      PROVIDER_DIRECTORY,
+                                      "--mof",
+                                      SCHEMA_DIRECTORY "/qualifiers.mof",
+                                      SCHEMA_DIRECTORY "/ZNX.mof"};
+    words.insert(words.end(), more.begin(), more.end());
+    return words;
+}
+
+[[noreturn]] void Become(std::vector<std::string> words, const std::string& logFile) {
+    const int log = open(logFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_APPEND, 0600);
+    dup2(log, STDOUT_FILENO);
+    dup2(log, STDERR_FILENO);
+    close(log);
+    std::vector<char*> pointers;
+    for (std::string& word : words) {
+        pointers.push_back(word.data());
+    }
+    pointers.push_back(nullptr);
+    execv(pointers[0], pointers.data());
+    _exit(127);
+}
+
+std::string TemporaryFile() {
+    std::string name = (std::filesystem::temp_directory_path() / "cimserver-log-XXXXXX").string();
+    const int file = mkstemp(name.data());
+    if (file < 0) {
+        throw std::runtime_error("no temporary file");
+    }
+    close(file);
+    return name;
+}
+
+} // namespace
+
+ServerProcess::ServerProcess(const std::vector<std::string>& moreArguments)
+    : logFile_(TemporaryFile()) {
+    const std::vector<std::string> words = CommandLine(moreArguments);
+    process_ = fork();
+    if (process_ == 0) {
+        Become(words, logFile_);
+    }
+    WaitUntilItListens();
+}
+
+ServerProcess::~ServerProcess() {
+    Stop();
+    std::filesystem::remove(logFile_);
+}
+
+void ServerProcess::WaitUntilItListens() {
+    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    while (std::chrono::steady_clock::now() < limit) {
+        const std::string log = Log();
+        const std::size_t at = log.find(listening);
+        if (at != std::string::npos && log.find('\n', at) != std::string::npos) {
+            port_ = static_cast<std::uint16_t>(std::stoul(log.substr(at + listening.size())));
+            return;
+        }
+        int status = 0;
+        if (waitpid(process_, &status, WNOHANG) == process_) {
+            status_ = status;
+            const std::string said = Log();
+            std::filesystem::remove(logFile_);
+            throw std::runtime_error("the server did not start: " + said);
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    Stop();
+    throw std::runtime_error("the server did not tell its port: " + Log());
+}
+
+int ServerProcess::Stop() {
+    if (status_ == -1) {
+        kill(process_, SIGTERM);
+        waitpid(process_, &status_, 0);
+    }
+    return WIFSIGNALED(status_) ? 128 + WTERMSIG(status_) : WEXITSTATUS(status_);
+}
+
+std::string ServerProcess::Log() const {
+    std::ifstream file(logFile_);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+double ServerProcess::ResidentMegabytes() const {
+    std::ifstream status("/proc/" + std::to_string(process_) + "/status");
+    std::string word;
+    while (status >> word) {
+        if (word == "VmRSS:") {
+            double kibibytes = 0;
+            status >> kibibytes;
+            return kibibytes * 1024 / 1e6;
+        }
+    }
+    throw std::runtime_error("the server is gone");
+}
+
+std::size_t ServerProcess::OpenDescriptors() const {
+    const std::filesystem::directory_iterator files("/proc/" + std::to_string(process_) + "/fd");
+    return static_cast<std::size_t>(std::distance(files, std::filesystem::directory_iterator()));
+}
+
+std::size_t ServerProcess::Zombies() const {
+    std::size_t count = 0;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
+        std::ifstream file(entry.path() / "stat");
+        std::string text;
+        if (!std::getline(file, text)) {
+            continue;
+        }
+        char state = 0;
+        pid_t parent = 0;
+        std::istringstream(text.substr(text.rfind(')') + 2)) >> state >> parent;
+        count += state == 'Z' && parent == process_ ? 1 : 0;
+    }
+    return count;
+}
+
+} // namespace test_support
