@@ -40,12 +40,6 @@ void WriteArraySize(XmlBuffer& xml, const CIMDataType& type) {
     }
 }
 
-void WriteType(XmlBuffer& xml, std::string_view name) {
-    xml.Markup(" TYPE=\"");
-    xml.Markup(name);
-    xml.Markup("\"");
-}
-
 /// Flavors that nobody stated have the defaults of the DTD and are left out.
 void WriteFlavors(XmlBuffer& xml, const CIMQualifier& qualifier) {
     if (qualifier.hasFlavor(CIMFlavor::DISABLEOVERRIDE)) {
@@ -65,37 +59,43 @@ void WriteFlavors(XmlBuffer& xml, const CIMQualifier& qualifier) {
 
 void WriteQualifiers(XmlBuffer& xml, const CIMQualifierArray& qualifiers) {
     for (const CIMQualifier& qualifier : qualifiers) {
-        const std::string_view type = TypeName(qualifier.getDataType().getType());
+        const CIMValue value = qualifier.getValue();
+        const std::string_view type = TypeAttribute(qualifier.getDataType().getType());
         if (type.empty()) {
             Fail("Qualifier " + qualifier.getName() + " has no type defined");
         }
         WriteName(xml, "<QUALIFIER NAME=\"", "A qualifier", qualifier.getName());
-        WriteType(xml, type);
+        xml.Markup(type);
         WritePropagated(xml, qualifier.getPropagated());
         WriteFlavors(xml, qualifier);
         xml.Markup(">");
-        WriteValue(xml, qualifier.getValue());
+        if (value) {
+            WriteValue(xml, value, ShapeOf(value));
+        }
         xml.Markup("</QUALIFIER>");
     }
 }
 
 /// The attributes and the content that all kinds of properties have in common.
-void WriteRestOfProperty(XmlBuffer& xml, const CIMProperty& property, const CIMValue& value) {
+void WriteRestOfProperty(XmlBuffer& xml, const CIMProperty& property, const CIMValue& value,
+                         Shape shape) {
     WriteOptional(xml, " CLASSORIGIN=\"", property.getOriginClass());
     WritePropagated(xml, property.getPropagated());
     xml.Markup(">");
     WriteQualifiers(xml, property.getQualifiers());
-    WriteValue(xml, value);
+    if (value) {
+        WriteValue(xml, value, shape);
+    }
 }
 
 void WriteReferenceProperty(XmlBuffer& xml, const CIMProperty& property, const CIMDataType& type,
-                            const CIMValue& value) {
-    if (type.isArrayType()) {
+                            const CIMValue& value, Shape shape) {
+    if (shape.isArray) {
         Fail("Property " + property.getName() + " is an array of references");
     }
     WriteName(xml, "<PROPERTY.REFERENCE NAME=\"", "A property", property.getName());
     WriteOptional(xml, " REFERENCECLASS=\"", type.getRefClassName());
-    WriteRestOfProperty(xml, property, value);
+    WriteRestOfProperty(xml, property, value, shape);
     xml.Markup("</PROPERTY.REFERENCE>");
 }
 
@@ -105,24 +105,23 @@ void WriteProperty(XmlBuffer& xml, const CIMProperty& property) {
         Fail("Property " + property.getName() + " has no type defined");
     }
     const CIMValue value = property.getValue();
-    const CIMDataType::Type type = value ? value.getType() : declared.getType();
-    if (type == CIMDataType::REFERENCE) {
-        WriteReferenceProperty(xml, property, declared, value);
+    const Shape shape = value ? ShapeOf(value) : Shape{declared.getType(), declared.isArrayType()};
+    if (shape.type == CIMDataType::REFERENCE) {
+        WriteReferenceProperty(xml, property, declared, value, shape);
         return;
     }
-    const std::string_view typeName = TypeName(type);
-    if (typeName.empty()) {
+    const std::string_view type = TypeAttribute(shape.type);
+    if (type.empty()) {
         Fail("Property " + property.getName() + " holds an embedded object");
     }
-    const bool isArray = value ? value.isArray() : declared.isArrayType();
-    WriteName(xml, isArray ? "<PROPERTY.ARRAY NAME=\"" : "<PROPERTY NAME=\"", "A property",
+    WriteName(xml, shape.isArray ? "<PROPERTY.ARRAY NAME=\"" : "<PROPERTY NAME=\"", "A property",
               property.getName());
-    WriteType(xml, typeName);
-    if (isArray) {
+    xml.Markup(type);
+    if (shape.isArray) {
         WriteArraySize(xml, declared);
     }
-    WriteRestOfProperty(xml, property, value);
-    xml.Markup(isArray ? "</PROPERTY.ARRAY>" : "</PROPERTY>");
+    WriteRestOfProperty(xml, property, value, shape);
+    xml.Markup(shape.isArray ? "</PROPERTY.ARRAY>" : "</PROPERTY>");
 }
 
 void WriteProperties(XmlBuffer& xml, const CIMPropertyArray& properties) {
@@ -146,10 +145,10 @@ void WriteParameter(XmlBuffer& xml, const CIMParameter& parameter) {
     WriteName(xml, " NAME=\"", "A parameter", parameter.getName());
     if (type.isReferenceType()) {
         WriteOptional(xml, " REFERENCECLASS=\"", type.getRefClassName());
-    } else if (TypeName(type.getType()).empty()) {
+    } else if (TypeAttribute(type.getType()).empty()) {
         Fail("Parameter " + parameter.getName() + " has no type defined");
     } else {
-        WriteType(xml, TypeName(type.getType()));
+        xml.Markup(TypeAttribute(type.getType()));
     }
     WriteArraySize(xml, type);
     xml.Markup(">");
@@ -161,10 +160,7 @@ void WriteParameter(XmlBuffer& xml, const CIMParameter& parameter) {
 
 void WriteMethod(XmlBuffer& xml, const CIMMethod& method) {
     WriteName(xml, "<METHOD NAME=\"", "A method", method.getName());
-    const std::string_view type = TypeName(method.getReturnType().getType());
-    if (!type.empty()) {
-        WriteType(xml, type);
-    }
+    xml.Markup(TypeAttribute(method.getReturnType().getType()));
     WriteOptional(xml, " CLASSORIGIN=\"", method.getOriginClass());
     WritePropagated(xml, method.getPropagated());
     xml.Markup(">");

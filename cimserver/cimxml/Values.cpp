@@ -127,8 +127,8 @@ void WriteArray(XmlBuffer& xml, const CIMValue& value) {
 }
 
 template <class T>
-void WriteContent(XmlBuffer& xml, const CIMValue& value) {
-    if (value.isArray()) {
+void WriteContent(XmlBuffer& xml, const CIMValue& value, bool isArray) {
+    if (isArray) {
         WriteArray<T>(xml, value);
     } else {
         WriteScalar<T>(xml, value);
@@ -136,43 +136,43 @@ void WriteContent(XmlBuffer& xml, const CIMValue& value) {
 }
 
 /// What stands within VALUE, VALUE.ARRAY or KEYVALUE.
-void WriteContentOfType(XmlBuffer& xml, const CIMValue& value) {
-    switch (value.getType()) {
+void WriteContent(XmlBuffer& xml, const CIMValue& value, Shape shape) {
+    switch (shape.type) {
     case CIMDataType::STRING:
-        return WriteContent<String>(xml, value);
+        return WriteContent<String>(xml, value, shape.isArray);
     case CIMDataType::BOOLEAN:
-        return WriteContent<Bool>(xml, value);
+        return WriteContent<Bool>(xml, value, shape.isArray);
     case CIMDataType::CHAR16:
-        return WriteContent<Char16>(xml, value);
+        return WriteContent<Char16>(xml, value, shape.isArray);
     case CIMDataType::UINT8:
-        return WriteContent<UInt8>(xml, value);
+        return WriteContent<UInt8>(xml, value, shape.isArray);
     case CIMDataType::SINT8:
-        return WriteContent<Int8>(xml, value);
+        return WriteContent<Int8>(xml, value, shape.isArray);
     case CIMDataType::UINT16:
-        return WriteContent<UInt16>(xml, value);
+        return WriteContent<UInt16>(xml, value, shape.isArray);
     case CIMDataType::SINT16:
-        return WriteContent<Int16>(xml, value);
+        return WriteContent<Int16>(xml, value, shape.isArray);
     case CIMDataType::UINT32:
-        return WriteContent<UInt32>(xml, value);
+        return WriteContent<UInt32>(xml, value, shape.isArray);
     case CIMDataType::SINT32:
-        return WriteContent<Int32>(xml, value);
+        return WriteContent<Int32>(xml, value, shape.isArray);
     case CIMDataType::UINT64:
-        return WriteContent<UInt64>(xml, value);
+        return WriteContent<UInt64>(xml, value, shape.isArray);
     case CIMDataType::SINT64:
-        return WriteContent<Int64>(xml, value);
+        return WriteContent<Int64>(xml, value, shape.isArray);
     case CIMDataType::REAL32:
-        return WriteContent<Real32>(xml, value);
+        return WriteContent<Real32>(xml, value, shape.isArray);
     case CIMDataType::REAL64:
-        return WriteContent<Real64>(xml, value);
+        return WriteContent<Real64>(xml, value, shape.isArray);
     case CIMDataType::DATETIME:
-        return WriteContent<CIMDateTime>(xml, value);
+        return WriteContent<CIMDateTime>(xml, value, shape.isArray);
     default:
         OW_THROWCIMMSG(CIMException::FAILED, "A value of this type cannot be written");
     }
 }
 
-void WriteReference(XmlBuffer& xml, const CIMValue& value) {
-    if (value.isArray()) {
+void WriteReference(XmlBuffer& xml, const CIMValue& value, bool isArray) {
+    if (isArray) {
         OW_THROWCIMMSG(CIMException::FAILED, "An array of references cannot be written");
     }
     xml.Markup("<VALUE.REFERENCE>");
@@ -180,16 +180,17 @@ void WriteReference(XmlBuffer& xml, const CIMValue& value) {
     xml.Markup("</VALUE.REFERENCE>");
 }
 
-void WriteKeyValue(XmlBuffer& xml, const CIMValue& value) {
-    if (value.getType() == CIMDataType::BOOLEAN) {
-        xml.Markup("<KEYVALUE VALUETYPE=\"boolean\">");
-    } else if (value.isNumericType()) {
-        xml.Markup("<KEYVALUE VALUETYPE=\"numeric\">");
-    } else {
-        xml.Markup("<KEYVALUE VALUETYPE=\"string\">");
+std::string_view KeyValueStart(CIMDataType::Type type) {
+    switch (type) {
+    case CIMDataType::BOOLEAN:
+        return "<KEYVALUE VALUETYPE=\"boolean\">";
+    case CIMDataType::STRING:
+    case CIMDataType::DATETIME:
+    case CIMDataType::CHAR16:
+        return "<KEYVALUE VALUETYPE=\"string\">";
+    default:
+        return "<KEYVALUE VALUETYPE=\"numeric\">";
     }
-    WriteContentOfType(xml, value);
-    xml.Markup("</KEYVALUE>");
 }
 
 void WriteKeyBinding(XmlBuffer& xml, const CIMProperty& key) {
@@ -197,14 +198,18 @@ void WriteKeyBinding(XmlBuffer& xml, const CIMProperty& key) {
     if (!value) {
         OW_THROWCIMMSG(CIMException::FAILED, ("Key " + key.getName() + " has no value").c_str());
     }
+    const Shape shape = ShapeOf(value);
     WriteAttribute(xml, "<KEYBINDING NAME=\"", key.getName());
-    xml.Markup(">");
-    if (value.getType() == CIMDataType::REFERENCE) {
-        WriteReference(xml, value);
-    } else if (value.isArray()) {
+    if (shape.type == CIMDataType::REFERENCE) {
+        xml.Markup(">");
+        WriteReference(xml, value, shape.isArray);
+    } else if (shape.isArray) {
         OW_THROWCIMMSG(CIMException::FAILED, ("Key " + key.getName() + " is an array").c_str());
     } else {
-        WriteKeyValue(xml, value);
+        xml.Markup(">");
+        xml.Markup(KeyValueStart(shape.type));
+        WriteContent(xml, value, shape);
+        xml.Markup("</KEYVALUE>");
     }
     xml.Markup("</KEYBINDING>");
 }
@@ -217,53 +222,49 @@ void WriteAttribute(XmlBuffer& xml, std::string_view start, const String& value)
     xml.Markup("\"");
 }
 
-std::string_view TypeName(CIMDataType::Type type) {
+std::string_view TypeAttribute(CIMDataType::Type type) {
     switch (type) {
     case CIMDataType::UINT8:
-        return "uint8";
+        return " TYPE=\"uint8\"";
     case CIMDataType::SINT8:
-        return "sint8";
+        return " TYPE=\"sint8\"";
     case CIMDataType::UINT16:
-        return "uint16";
+        return " TYPE=\"uint16\"";
     case CIMDataType::SINT16:
-        return "sint16";
+        return " TYPE=\"sint16\"";
     case CIMDataType::UINT32:
-        return "uint32";
+        return " TYPE=\"uint32\"";
     case CIMDataType::SINT32:
-        return "sint32";
+        return " TYPE=\"sint32\"";
     case CIMDataType::UINT64:
-        return "uint64";
+        return " TYPE=\"uint64\"";
     case CIMDataType::SINT64:
-        return "sint64";
+        return " TYPE=\"sint64\"";
     case CIMDataType::STRING:
-        return "string";
+        return " TYPE=\"string\"";
     case CIMDataType::BOOLEAN:
-        return "boolean";
+        return " TYPE=\"boolean\"";
     case CIMDataType::REAL32:
-        return "real32";
+        return " TYPE=\"real32\"";
     case CIMDataType::REAL64:
-        return "real64";
+        return " TYPE=\"real64\"";
     case CIMDataType::DATETIME:
-        return "datetime";
+        return " TYPE=\"datetime\"";
     case CIMDataType::CHAR16:
-        return "char16";
+        return " TYPE=\"char16\"";
     default:
         return {};
     }
 }
 
-void WriteValue(XmlBuffer& xml, const CIMValue& value) {
-    if (!value) {
+void WriteValue(XmlBuffer& xml, const CIMValue& value, Shape shape) {
+    if (shape.type == CIMDataType::REFERENCE) {
+        WriteReference(xml, value, shape.isArray);
         return;
     }
-    if (value.getType() == CIMDataType::REFERENCE) {
-        WriteReference(xml, value);
-        return;
-    }
-    const bool isArray = value.isArray();
-    xml.Markup(isArray ? "<VALUE.ARRAY>" : "<VALUE>");
-    WriteContentOfType(xml, value);
-    xml.Markup(isArray ? "</VALUE.ARRAY>" : "</VALUE>");
+    xml.Markup(shape.isArray ? "<VALUE.ARRAY>" : "<VALUE>");
+    WriteContent(xml, value, shape);
+    xml.Markup(shape.isArray ? "</VALUE.ARRAY>" : "</VALUE>");
 }
 
 void WriteClassName(XmlBuffer& xml, const String& name) {

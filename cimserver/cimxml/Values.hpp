@@ -17,11 +17,23 @@ inline std::string_view View(const OpenWBEM::String& text) {
 /// ` NAME="..."` and the like: `start` holds everything up to the value's opening quote.
 void WriteAttribute(XmlBuffer& xml, std::string_view start, const OpenWBEM::String& value);
 
-/// The name of a simple type; empty for a type that has none (null, references, embedded objects).
-std::string_view TypeName(OpenWBEM::CIMDataType::Type type);
+/// The TYPE attribute of a simple type with the blank before it; empty for a type that has none
+/// (null, references, embedded objects).
+std::string_view TypeAttribute(OpenWBEM::CIMDataType::Type type);
 
-/// VALUE, VALUE.ARRAY or VALUE.REFERENCE; nothing for null.
-void WriteValue(XmlBuffer& xml, const OpenWBEM::CIMValue& value);
+/// Type and kind of a value, asked for once.
+struct Shape {
+    OpenWBEM::CIMDataType::Type type;
+    bool isArray;
+};
+
+/// `value` must not be null.
+inline Shape ShapeOf(const OpenWBEM::CIMValue& value) {
+    return {value.getType(), value.isArray()};
+}
+
+/// VALUE, VALUE.ARRAY or VALUE.REFERENCE; `shape` is that of the value.
+void WriteValue(XmlBuffer& xml, const OpenWBEM::CIMValue& value, Shape shape);
 
 /// CLASSNAME.
 void WriteClassName(XmlBuffer& xml, const OpenWBEM::String& name);

@@ -1,7 +1,6 @@
 #include "cimserver/mof/Literals.hpp"
 
 #include <charconv>
-#include <cmath>
 #include <cstdio>
 
 namespace cimserver::mof::syntax {

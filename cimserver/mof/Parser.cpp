@@ -3,6 +3,7 @@
 #include "cimserver/mof/Messages.hpp"
 #include "cimserver/mof/Syntax.hpp"
 
+#include <cctype>
 #include <utility>
 
 namespace cimserver::mof::syntax {

@@ -41,7 +41,9 @@ ContentModel::Part ContentModel::ReadGroup(std::size_t& at) const {
         ++at;
         group.parts.push_back(ReadPart(at));
         separator = at < text_.size() ? text_[at] : '\0';
-        group.isChoice = group.isChoice || separator == '|';
+        if (group.parts.size() == 1) {
+            group.isChoice = separator == '|';
+        }
         if (separator != ')' && separator != (group.isChoice ? '|' : ',')) {
             throw std::invalid_argument("not a content model: " + std::string(text_));
         }

@@ -12,7 +12,7 @@ namespace OpenWBEM {
 // class exists so that an environment can return a reference, normally a null one.
 class OW_COMMON_API CIMOMHandleIFC : public virtual IntrusiveCountableBase {
 public:
-    virtual ~CIMOMHandleIFC();
+    ~CIMOMHandleIFC() override;
 };
 
 } // namespace OpenWBEM

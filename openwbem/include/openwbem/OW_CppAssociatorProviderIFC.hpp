@@ -23,7 +23,7 @@ namespace OpenWBEM {
 // namespace.
 class OW_COMMON_API CppAssociatorProviderIFC : public virtual CppInstanceProviderIFC {
 public:
-    virtual ~CppAssociatorProviderIFC();
+    ~CppAssociatorProviderIFC() override;
 
     // Names the associations to be served without a provider qualifier. None by default.
     virtual void getAssociatorProviderInfo(AssociatorProviderInfo& info);
@@ -55,7 +55,7 @@ public:
                                 const CIMObjectPath& objectName, const String& resultClass,
                                 const String& role) = 0;
 
-    virtual CppAssociatorProviderIFC* getAssociatorProvider();
+    CppAssociatorProviderIFC* getAssociatorProvider() override;
 };
 
 typedef SharedLibraryReference<IntrusiveReference<CppAssociatorProviderIFC>>

@@ -15,7 +15,7 @@ namespace OpenWBEM {
 // client shall understand are thrown as CIMException.
 class OW_COMMON_API CppInstanceProviderIFC : public virtual CppProviderBaseIFC {
 public:
-    virtual ~CppInstanceProviderIFC();
+    ~CppInstanceProviderIFC() override;
 
     // Names the classes to be served without a provider qualifier of their own. None by default.
     virtual void getInstanceProviderInfo(InstanceProviderInfo& info);
@@ -60,7 +60,7 @@ public:
                                 const CIMObjectPath& cop) = 0;
 #endif
 
-    virtual CppInstanceProviderIFC* getInstanceProvider();
+    CppInstanceProviderIFC* getInstanceProvider() override;
 };
 
 typedef SharedLibraryReference<IntrusiveReference<CppInstanceProviderIFC>>

@@ -11,7 +11,7 @@ namespace OpenWBEM {
 // Serves the methods of classes.
 class OW_COMMON_API CppMethodProviderIFC : public virtual CppProviderBaseIFC {
 public:
-    virtual ~CppMethodProviderIFC();
+    ~CppMethodProviderIFC() override;
 
     // Names the classes and methods to be served without a provider qualifier. None by default.
     virtual void getMethodProviderInfo(MethodProviderInfo& info);
@@ -23,7 +23,7 @@ public:
                                   const CIMObjectPath& path, const String& methodName,
                                   const CIMParamValueArray& in, CIMParamValueArray& out) = 0;
 
-    virtual CppMethodProviderIFC* getMethodProvider();
+    CppMethodProviderIFC* getMethodProvider() override;
 };
 
 typedef SharedLibraryReference<IntrusiveReference<CppMethodProviderIFC>> CppMethodProviderIFCRef;

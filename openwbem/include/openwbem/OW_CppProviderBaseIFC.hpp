@@ -38,7 +38,7 @@ public:
     CppProviderBaseIFC();
     CppProviderBaseIFC(const CppProviderBaseIFC& other);
     CppProviderBaseIFC& operator=(const CppProviderBaseIFC& other);
-    virtual ~CppProviderBaseIFC();
+    ~CppProviderBaseIFC() override;
 
     // Before the first operation. What it throws becomes the answer to the request that needed the
     // provider; the object is destroyed then. The environment belongs to that request: keep its

@@ -70,7 +70,7 @@ public:
 private:
     struct Queue : public IntrusiveCountableBase {
         Queue() : damaged(false) {}
-        virtual ~Queue() {}
+        ~Queue() override = default;
         std::deque<T> elements;
         bool damaged;
     };

@@ -14,6 +14,7 @@ namespace OpenWBEM {
 // Only subclasses can be thrown. File name and message are copied, the sub-exception is cloned: an
 // exception owns all that it shows. Every subclass has its type information in the library that
 // defines it, so that one thrown in a provider library is caught by type in the server.
+// NOLINTNEXTLINE(cppcoreguidelines-virtual-class-destructor): nobody deletes through this class.
 class OW_COMMON_API Exception : public std::exception {
 public:
     static const int UNKNOWN_SUBCLASS_ID = -1;

@@ -11,6 +11,7 @@ namespace OpenWBEM {
 // alone. IntrusiveReference counts; whoever brings the count back to 0 deletes the object, so an
 // object on the stack or with static storage is fine as long as no reference is made to it.
 // References may be made and dropped in any thread.
+// NOLINTNEXTLINE(cppcoreguidelines-virtual-class-destructor): deletion is the last handle's.
 class OW_COMMON_API IntrusiveCountableBase {
 public:
     friend void IntrusiveReferenceAddRef(const IntrusiveCountableBase* object) {

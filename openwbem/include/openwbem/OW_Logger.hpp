@@ -31,17 +31,17 @@ public:
     static const String STR_ALL_CATEGORY;
     static const String STR_DEFAULT_COMPONENT;
 
-    virtual ~Logger();
+    ~Logger() override;
 
     // Deliver the text under the default component when the level allows it.
-    void logFatalError(const String& message, const char* filename = 0, int fileline = -1,
-                       const char* methodname = 0) const;
-    void logError(const String& message, const char* filename = 0, int fileline = -1,
-                  const char* methodname = 0) const;
-    void logInfo(const String& message, const char* filename = 0, int fileline = -1,
-                 const char* methodname = 0) const;
-    void logDebug(const String& message, const char* filename = 0, int fileline = -1,
-                  const char* methodname = 0) const;
+    void logFatalError(const String& message, const char* filename = nullptr, int fileline = -1,
+                       const char* methodname = nullptr) const;
+    void logError(const String& message, const char* filename = nullptr, int fileline = -1,
+                  const char* methodname = nullptr) const;
+    void logInfo(const String& message, const char* filename = nullptr, int fileline = -1,
+                 const char* methodname = nullptr) const;
+    void logDebug(const String& message, const char* filename = nullptr, int fileline = -1,
+                  const char* methodname = nullptr) const;
 
     // Deliver the text under a category named by the caller. The level plays no part here.
     void logMessage(const String& component, const String& category, const String& message) const;

@@ -18,7 +18,7 @@ class OperationContext;
 // and the texts, not the environment.
 class OW_COMMON_API ProviderEnvironmentIFC : public IntrusiveCountableBase {
 public:
-    virtual ~ProviderEnvironmentIFC();
+    ~ProviderEnvironmentIFC() override;
 
     // Calls back into the server: with providers, and past them to what the server itself stores.
     virtual CIMOMHandleIFCRef getCIMOMHandle() const = 0;

@@ -12,7 +12,7 @@ namespace OpenWBEM {
 // the class exists so that an environment can return a reference, normally a null one.
 class OW_COMMON_API RepositoryIFC : public virtual IntrusiveCountableBase {
 public:
-    virtual ~RepositoryIFC();
+    ~RepositoryIFC() override;
 };
 
 } // namespace OpenWBEM

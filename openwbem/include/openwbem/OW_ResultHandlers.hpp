@@ -18,10 +18,10 @@ namespace OpenWBEM {
 class OW_COMMON_API CIMInstanceEnumBuilder : public CIMInstanceResultHandlerIFC {
 public:
     CIMInstanceEnumBuilder(CIMInstanceEnumeration& target) : m_target(target) {}
-    virtual ~CIMInstanceEnumBuilder();
+    ~CIMInstanceEnumBuilder() override;
 
 protected:
-    virtual void doHandle(const CIMInstance& value);
+    void doHandle(const CIMInstance& value) override;
 
 private:
     CIMInstanceEnumeration& m_target;
@@ -30,10 +30,10 @@ private:
 class OW_COMMON_API CIMInstanceArrayBuilder : public CIMInstanceResultHandlerIFC {
 public:
     CIMInstanceArrayBuilder(CIMInstanceArray& target) : m_target(target) {}
-    virtual ~CIMInstanceArrayBuilder();
+    ~CIMInstanceArrayBuilder() override;
 
 protected:
-    virtual void doHandle(const CIMInstance& value);
+    void doHandle(const CIMInstance& value) override;
 
 private:
     CIMInstanceArray& m_target;
@@ -42,10 +42,10 @@ private:
 class OW_COMMON_API CIMObjectPathEnumBuilder : public CIMObjectPathResultHandlerIFC {
 public:
     CIMObjectPathEnumBuilder(CIMObjectPathEnumeration& target) : m_target(target) {}
-    virtual ~CIMObjectPathEnumBuilder();
+    ~CIMObjectPathEnumBuilder() override;
 
 protected:
-    virtual void doHandle(const CIMObjectPath& value);
+    void doHandle(const CIMObjectPath& value) override;
 
 private:
     CIMObjectPathEnumeration& m_target;
@@ -54,10 +54,10 @@ private:
 class OW_COMMON_API CIMObjectPathArrayBuilder : public CIMObjectPathResultHandlerIFC {
 public:
     CIMObjectPathArrayBuilder(CIMObjectPathArray& target) : m_target(target) {}
-    virtual ~CIMObjectPathArrayBuilder();
+    ~CIMObjectPathArrayBuilder() override;
 
 protected:
-    virtual void doHandle(const CIMObjectPath& value);
+    void doHandle(const CIMObjectPath& value) override;
 
 private:
     CIMObjectPathArray& m_target;

@@ -176,8 +176,9 @@ void DateTime::set(int year, int month, int day, int hour, int minute, int secon
 }
 
 void DateTime::setToCurrent() {
-    using namespace std::chrono;
-    const auto now = duration_cast<microseconds>(system_clock::now().time_since_epoch()).count();
+    const auto now = std::chrono::duration_cast<std::chrono::microseconds>(
+                         std::chrono::system_clock::now().time_since_epoch())
+                         .count();
     m_time = now / 1000000;
     m_microseconds = static_cast<UInt32>(now % 1000000);
 }

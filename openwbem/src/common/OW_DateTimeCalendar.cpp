@@ -51,8 +51,8 @@ int daysInMonth(int year, int month) {
 }
 
 Int64 secondsOfUtc(const CalendarTime& time) {
-    return daysSinceEpoch(time.year, time.month, time.day) * SECONDS_PER_DAY + time.hour * 3600 +
-           time.minute * 60 + time.second;
+    return daysSinceEpoch(time.year, time.month, time.day) * SECONDS_PER_DAY +
+           time.hour * Int64(3600) + time.minute * Int64(60) + time.second;
 }
 
 // The instant lies within a day of what it would be in UTC. When the offset is the same at both

@@ -156,10 +156,8 @@ String& String::concat(const char* text) {
 }
 
 String& String::concat(const String& text) {
-    // A handle of its own keeps the text in place when it is this String's.
-    const String source(text);
-    if (!source.empty()) {
-        append(source.c_str(), source.length());
+    if (!text.empty()) {
+        append(text.c_str(), text.length());
     }
     return *this;
 }

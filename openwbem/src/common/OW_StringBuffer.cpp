@@ -97,7 +97,7 @@ String StringBuffer::toString() const {
 }
 
 String StringBuffer::releaseString() {
-    const String text = toString();
+    String text = toString();
     reset();
     return text;
 }

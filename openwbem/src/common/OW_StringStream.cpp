@@ -26,7 +26,7 @@ String OStringStream::toString() const {
 }
 
 String OStringStream::releaseString() {
-    const String written = toString();
+    String written = toString();
     reset();
     return written;
 }

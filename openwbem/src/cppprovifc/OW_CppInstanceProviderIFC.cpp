@@ -24,7 +24,7 @@ public:
           m_propertyList(propertyList), m_cimClass(cimClass) {}
 
 protected:
-    virtual void doHandle(const CIMObjectPath& path) {
+    void doHandle(const CIMObjectPath& path) override {
         m_result.handle(m_provider.getInstance(m_env, m_ns, path, m_localOnly, m_includeQualifiers,
                                                m_includeClassOrigin, m_propertyList, m_cimClass));
     }

@@ -142,17 +142,9 @@ TEST(StringCase, FinalSigmaIsASigma) {
 // A lone continuation byte, a cut sequence, an overlong form, a surrogate, a value above U+10FFFF,
 // bytes that never occur.
 const char* const NO_UTF8[] = {
-    "\x80",
-    "a\xC3",
-    "\xC3"
-    "A",
-    "\xC1\x81",
-    "\xE0\x81\x81",
-    "\xED\xA0\x80",
-    "\xF4\x90\x80\x80",
-    "\xFE\xFF",
-    "\xE2\x82",
-    "\xF0\x9F\x98",
+    "\x80",         "a\xC3",        "\xC3\x41",         "\xC1\x81",
+    "\xE0\x81\x81", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\xFE\xFF",
+    "\xE2\x82",     "\xF0\x9F\x98",
 };
 
 TEST(StringCase, BytesThatAreNoUtf8StandForThemselves) {
@@ -162,31 +154,15 @@ TEST(StringCase, BytesThatAreNoUtf8StandForThemselves) {
         EXPECT_TRUE(upper.equalsIgnoreCase(bytes));
         EXPECT_EQ(upper.compareToIgnoreCase(bytes), 0);
     }
-    EXPECT_FALSE(String("\xC3"
-                        "A")
-                     .equalsIgnoreCase("\xC3"
-                                       "B"));
-    EXPECT_TRUE(String("\xC3"
-                       "A")
-                    .equalsIgnoreCase("\xC3"
-                                      "a"));
+    EXPECT_FALSE(String("\xC3\x41").equalsIgnoreCase("\xC3\x42"));
+    EXPECT_TRUE(String("\xC3\x41").equalsIgnoreCase("\xC3\x61"));
     EXPECT_FALSE(String("\xC1\x81").equalsIgnoreCase("\xC1\xA1"));
-    EXPECT_EQ(String("\xC3"
-                     "a")
-                  .toUpperCase(),
-              "\xC3"
-              "A");
+    EXPECT_EQ(String("\xC3\x61").toUpperCase(), "\xC3\x41");
 }
 
 TEST(StringCase, DifferenceAfterALetterOfTwoBytesIsSeen) {
-    EXPECT_FALSE(String("\xC3\xA9"
-                        "a")
-                     .equalsIgnoreCase("\xC3\x89"
-                                       "b"));
-    EXPECT_TRUE(String("x\xC3\xA9"
-                       "a")
-                    .equalsIgnoreCase("X\xC3\x89"
-                                      "A"));
+    EXPECT_FALSE(String("\xC3\xA9\x61").equalsIgnoreCase("\xC3\x89\x62"));
+    EXPECT_TRUE(String("x\xC3\xA9\x61").equalsIgnoreCase("X\xC3\x89\x41"));
     EXPECT_FALSE(String("\xC3\xA9").equalsIgnoreCase("\xC4\xA9"));
 }
 

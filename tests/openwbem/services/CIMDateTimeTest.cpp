@@ -9,8 +9,7 @@
 #include <sstream>
 #include <string>
 
-using namespace OpenWBEM;
-
+namespace OpenWBEM {
 namespace {
 
 CIMDateTime fromText(const char* text) {
@@ -194,9 +193,9 @@ TEST(CIMDateTimeComparison, EqualMeansSameFields) {
     EXPECT_TRUE(value.equal(fromText("20250102030405.000000+000")));
     EXPECT_FALSE(value != fromText("20250102030405.000000+000"));
     for (const char* other :
-         {"20250102040405.000000+060", "20260102030405.000000+000", "20250202030405.000000+000",
-          "20250103030405.000000+000", "20250102040405.000000+000", "20250102030505.000000+000",
-          "20250102030406.000000+000", "20250102030405.000001+000"}) {
+         {"20250102030405.000000+060", "20250102040405.000000+060", "20260102030405.000000+000",
+          "20250202030405.000000+000", "20250103030405.000000+000", "20250102040405.000000+000",
+          "20250102030505.000000+000", "20250102030406.000000+000", "20250102030405.000001+000"}) {
         EXPECT_TRUE(value != fromText(other)) << other;
         EXPECT_FALSE(value == fromText(other)) << other;
         EXPECT_FALSE(value.equal(fromText(other))) << other;
@@ -279,3 +278,5 @@ TEST(CIMDateTimeNull, EveryUseThrows) {
     }
     EXPECT_FALSE(null);
 }
+
+} // namespace OpenWBEM

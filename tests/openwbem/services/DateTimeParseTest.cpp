@@ -8,8 +8,7 @@
 #include <ctime>
 #include <string>
 
-using namespace OpenWBEM;
-
+namespace OpenWBEM {
 namespace {
 
 struct Accepted {
@@ -332,3 +331,5 @@ TEST(DateTimeCimForm, BeforeNineteenSeventyCannotBeRepresented) {
     expectNotRepresentable("****0102030405.000000+000", "Sun Jan  2 03:04:05 0");
     expectNotRepresentable("19700101000000.000000+060", "Wed Dec 31 23:00:00 1969");
 }
+
+} // namespace OpenWBEM

@@ -8,8 +8,7 @@
 #include <clocale>
 #include <ctime>
 
-using namespace OpenWBEM;
-
+namespace OpenWBEM {
 namespace {
 
 const time_t INSTANT = 1735786645;   // 2 January 2025 02:57:25 UTC
@@ -219,3 +218,5 @@ TEST(DateTimeNow, IsTheSystemsClock) {
     EXPECT_LE(value.get(), after + 1);
     EXPECT_LT(value.getMicrosecond(), 1000000u);
 }
+
+} // namespace OpenWBEM

@@ -12,8 +12,7 @@
 #include <functional>
 #include <string>
 
-using namespace OpenWBEM;
-
+namespace OpenWBEM {
 namespace {
 
 CIMInstance named(const char* className) {
@@ -160,3 +159,5 @@ TEST(Enumeration, TakesHundredThousandElements) {
     }
     EXPECT_EQ(count, 100000u);
 }
+
+} // namespace OpenWBEM

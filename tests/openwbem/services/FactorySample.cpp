@@ -1,7 +1,6 @@
 #include "openwbem/services/SampleProvider.hpp"
 
-using namespace OpenWBEM;
-
+namespace OpenWBEM {
 namespace {
 
 // Uses what providers normally use, so that the library holds what a real one would.
@@ -18,6 +17,9 @@ public:
 };
 
 } // namespace
+} // namespace OpenWBEM
+
+using OpenWBEM::Sample;
 
 #if defined(SAMPLE_WITH_ID)
 OW_PROVIDERFACTORY(Sample, ServicesSample)

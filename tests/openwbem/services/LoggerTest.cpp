@@ -9,8 +9,7 @@
 #include <string>
 #include <vector>
 
-using namespace OpenWBEM;
-
+namespace OpenWBEM {
 namespace {
 
 typedef std::vector<LogMessage> Lines;
@@ -299,3 +298,5 @@ TEST(LogMacros, AreSingleStatements) {
     ASSERT_EQ(log->lines->size(), 1u);
     EXPECT_EQ(log->lines->front().message, "first");
 }
+
+} // namespace OpenWBEM

@@ -5,7 +5,7 @@
 
 #include <type_traits>
 
-using namespace OpenWBEM;
+namespace OpenWBEM {
 
 TEST(OperationContext, KeepsTextsByKey) {
     OperationContext context;
@@ -69,3 +69,5 @@ TEST(OperationContext, IsNotCopied) {
     EXPECT_FALSE(std::is_copy_constructible<OperationContext>::value);
     EXPECT_FALSE(std::is_copy_assignable<OperationContext>::value);
 }
+
+} // namespace OpenWBEM

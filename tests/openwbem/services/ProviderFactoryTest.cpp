@@ -7,8 +7,7 @@
 
 #include <string>
 
-using namespace OpenWBEM;
-
+namespace OpenWBEM {
 namespace {
 
 typedef const char* (*VersionFunction)();
@@ -117,3 +116,5 @@ TEST(ProviderFactory, ClosedLibraryIsGone) {
     }
     EXPECT_EQ(dlopen(SAMPLE_WITH_ID, RTLD_NOW | RTLD_NOLOAD), nullptr);
 }
+
+} // namespace OpenWBEM

@@ -6,8 +6,7 @@
 
 #include <type_traits>
 
-using namespace OpenWBEM;
-
+namespace OpenWBEM {
 namespace {
 
 StringArray list(const char* first, const char* second) {
@@ -79,3 +78,5 @@ TEST(ProviderInfo, ClassNameIsNotTakenForAClassByAccident) {
     EXPECT_FALSE((std::is_convertible<String, InstClassInfo>::value));
     EXPECT_FALSE((std::is_convertible<String, MethodProviderInfo::ClassInfo>::value));
 }
+
+} // namespace OpenWBEM

@@ -11,8 +11,7 @@
 #include <type_traits>
 #include <vector>
 
-using namespace OpenWBEM;
-
+namespace OpenWBEM {
 namespace {
 
 class PlainProvider : public CppProviderBaseIFC {
@@ -295,3 +294,5 @@ TEST(WBEMFlags, PlainIsZeroAndExtendedIsOne) {
                                 E_ENUM_SUBCLASSES, E_SUCCESS}),
               std::vector<int>(6, 1));
 }
+
+} // namespace OpenWBEM

@@ -10,8 +10,7 @@
 #include <type_traits>
 #include <vector>
 
-using namespace OpenWBEM;
-
+namespace OpenWBEM {
 namespace {
 
 class Collector : public StringResultHandlerIFC {
@@ -111,3 +110,5 @@ TEST(ResultBuilders, AreMadeFromTheirTargetWithoutCast) {
     EXPECT_TRUE((std::is_convertible<CIMObjectPathEnumeration&, CIMObjectPathEnumBuilder>::value));
     EXPECT_TRUE((std::is_convertible<CIMObjectPathArray&, CIMObjectPathArrayBuilder>::value));
 }
+
+} // namespace OpenWBEM

@@ -1,0 +1,232 @@
+// The program as its users meet it: command line, exit codes, signals, what its children inherit.
+#include "cimserver/config/program/Running.hpp"
+#include "support/CimClient.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <csignal>
+#include <cstdint>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+#include <string>
+#include <unistd.h>
+
+namespace programtest {
+namespace {
+
+using testing::AllOf;
+using testing::ContainsRegex;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+
+const std::string mofFile = TEST_DATA_DIRECTORY "/program/test.mof";
+
+class Program : public testing::Test {
+protected:
+    Program() {
+        std::string name = (std::filesystem::temp_directory_path() / "program.XXXXXX").string();
+        if (mkdtemp(name.data()) == nullptr) {
+            throw std::runtime_error("no directory for the test");
+        }
+        directory = name;
+    }
+    ~Program() override { std::filesystem::remove_all(directory); }
+
+    std::string ConfigFile(const std::string& text) const {
+        const auto file = directory / "my.conf";
+        std::ofstream(file) << text;
+        return file.string();
+    }
+    /// Arguments of a server that serves the class of the tests on a free port.
+    std::vector<std::string> Serving(const std::vector<std::string>& more = {}) const {
+        std::vector<std::string> arguments{
+            "--mof", mofFile, "--provider-dir", PROGRAM_TEST_PROVIDERS, "--listen", "127.0.0.1:0"};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        return arguments;
+    }
+    static std::string Names(std::uint16_t port) {
+        return test_support::CimClient(port)
+            .Post(test_support::IntrinsicCall(
+                "EnumerateInstanceNames",
+                "<IPARAMVALUE NAME=\"ClassName\"><CLASSNAME NAME=\"HT_Program\"/></IPARAMVALUE>"))
+            .body;
+    }
+    /// A server that must not start: exit code 1 and one line on standard error.
+    static std::string StartError(const std::vector<std::string>& arguments) {
+        Running server(arguments);
+        EXPECT_EQ(server.Wait(), 1);
+        EXPECT_THAT(server.Output(), IsEmpty());
+        EXPECT_THAT(server.Error(), AllOf(StartsWith("cimserver: "), EndsWith("\n")));
+        EXPECT_EQ(std::count(server.Error().begin(), server.Error().end(), '\n'), 1);
+        return server.Error();
+    }
+
+    /// The set after that text, one bit a signal; without 32 and 33, which the C library ignores in
+    /// the programs that it starts.
+    static std::uint64_t Signals(const std::string& log, const std::string& after) {
+        const auto at = log.find(after);
+        if (at == std::string::npos) {
+            throw std::runtime_error("there is no `" + after + "`");
+        }
+        return std::stoull(log.substr(at + after.size()), nullptr, 16) & ~0x180000000ULL;
+    }
+
+    std::filesystem::path directory;
+};
+
+TEST_F(Program, HelpGoesToStandardOutputAndIsNoError) {
+    Running server({"--help"});
+    EXPECT_EQ(server.Wait(), 0);
+    EXPECT_THAT(server.Output(), HasSubstr("--listen ADDR:PORT"));
+    EXPECT_THAT(server.Error(), IsEmpty());
+}
+
+TEST_F(Program, Version) {
+    Running server({"--version"});
+    EXPECT_EQ(server.Wait(), 0);
+    EXPECT_THAT(server.Output(), testing::MatchesRegex("cimserver [0-9.]+\n"));
+}
+
+TEST_F(Program, UsageErrorEndsWithTwo) {
+    Running server({"--nonsense"});
+    EXPECT_EQ(server.Wait(), 2);
+    EXPECT_THAT(server.Output(), IsEmpty());
+    EXPECT_THAT(server.Error(), HasSubstr("--nonsense"));
+}
+
+TEST_F(Program, StartErrorsAreOneLineEach) {
+    EXPECT_THAT(StartError({}), HasSubstr("no MOF file: name the files"));
+    EXPECT_THAT(StartError({"--mof", "/absent.mof"}), HasSubstr("/absent.mof"));
+    EXPECT_THAT(StartError({"--mof", mofFile, "--listen", "0.0.0.0:0"}),
+                HasSubstr("`0.0.0.0` can be reached from other machines"));
+    EXPECT_THAT(StartError({"--config", "/absent.conf"}),
+                EndsWith("/absent.conf: No such file or directory\n"));
+    EXPECT_THAT(StartError({"--config", ConfigFile("# x\nnonsense\n")}),
+                EndsWith("my.conf:2: expected `name = value`\n"));
+    EXPECT_THAT(StartError({"--mof", mofFile, "--provider-dir", "/absent"}),
+                HasSubstr("there is no directory /absent"));
+}
+
+TEST_F(Program, MistakeInTheMofIsNamedWithItsPlace) {
+    const auto file = directory / "bad.mof";
+    std::ofstream(file) << "class HT_A {\n  nonsense\n};\n";
+    EXPECT_THAT(StartError({"--mof", file.string()}), HasSubstr(file.string() + ":"));
+}
+
+TEST_F(Program, PortInUseIsAStartError) {
+    Running first(Serving());
+    const auto port = std::to_string(first.WaitForPort());
+    EXPECT_THAT(StartError({"--mof", mofFile, "--provider-dir", PROGRAM_TEST_PROVIDERS, "--listen",
+                            "127.0.0.1:" + port}),
+                AllOf(HasSubstr(port), HasSubstr("in use")));
+}
+
+TEST_F(Program, StopSignalsEndItWithZero) {
+    for (const int signal : {SIGTERM, SIGINT}) {
+        Running server(Serving());
+        EXPECT_THAT(Names(server.WaitForPort()), HasSubstr("INSTANCENAME"));
+        server.Signal(signal);
+        EXPECT_EQ(server.Wait(), 0);
+    }
+}
+
+TEST_F(Program, OtherSignalsOfClientsDoNotEndIt) {
+    Running server(Serving());
+    const auto port = server.WaitForPort();
+    server.Signal(SIGPIPE);
+    EXPECT_THAT(Names(port), HasSubstr("INSTANCENAME"));
+    server.Signal(SIGTERM);
+    EXPECT_EQ(server.Wait(), 0);
+}
+
+TEST_F(Program, ConfigFileGivesWhatTheCommandLineDoesNot) {
+    Running server({"--config", ConfigFile("http_server.http_port = 0\n"
+                                           "http_server.listen_addresses = 127.0.0.1 ::1\n"
+                                           "cppprovifc.prov_location = " PROGRAM_TEST_PROVIDERS
+                                           "\ncimserver.mof_files = " +
+                                           mofFile + "\ncimserver.namespace = root/cimv2\n")});
+    EXPECT_THAT(Names(server.WaitForPort()), HasSubstr("INSTANCENAME"));
+    EXPECT_THAT(server.WaitForLine("Listening on http://["),
+                testing::MatchesRegex("Listening on http://\\[::1\\]:[0-9]+"));
+}
+
+TEST_F(Program, ProviderReadsItemsAndItsLinesGoToTheLog) {
+    Running server(Serving({"--config", ConfigFile("test.text = any words\n")}));
+    Names(server.WaitForPort());
+    server.Signal(SIGTERM);
+    EXPECT_EQ(server.Wait(), 0);
+    EXPECT_THAT(server.Error(), HasSubstr(" ERROR test.provider: any words\n"));
+    EXPECT_THAT(server.Error(), Not(HasSubstr("not at the default level")));
+}
+
+TEST_F(Program, WhatAProviderPrintsGoesToTheLogAtOnce) {
+    Running server(Serving());
+    Names(server.WaitForPort());
+    EXPECT_EQ(server.WaitForLine("printed on"), "printed on standard output");
+    server.Signal(SIGTERM);
+    EXPECT_EQ(server.Wait(), 0);
+    EXPECT_THAT(server.Output(), IsEmpty());
+}
+
+// The server's parent leaves it what a careless one may: open descriptors, a closed standard input,
+// ignored and blocked signals.
+TEST_F(Program, ChildrenOfProvidersInheritNothing) {
+    Running server(Serving({"--config", ConfigFile("test.child = " PROGRAM_TEST_CHILD "\n")}), [] {
+        dup2(open("/etc/passwd", O_RDONLY), 9);
+        dup2(9, 200);
+        close(STDIN_FILENO);
+        std::signal(SIGCHLD, SIG_IGN);
+        std::signal(SIGPIPE, SIG_IGN);
+        sigset_t all;
+        sigfillset(&all);
+        sigprocmask(SIG_SETMASK, &all, nullptr);
+    });
+    const auto port = server.WaitForPort();
+    const test_support::CimClient idle(port);
+    EXPECT_THAT(Names(port), HasSubstr("INSTANCENAME"));
+    server.Signal(SIGTERM);
+    EXPECT_EQ(server.Wait(), 0);
+    const auto& log = server.Error();
+    for (const std::string way : {"popen: ", "system: "}) {
+        EXPECT_THAT(log, HasSubstr(way + "descriptor 0 /dev/null\n"));
+        EXPECT_THAT(log, HasSubstr(way + "descriptor 1 pipe:"));
+        EXPECT_THAT(log, HasSubstr(way + "descriptor 2 pipe:"));
+        EXPECT_THAT(log, Not(ContainsRegex(way + "descriptor ([3-9]|[1-9][0-9])")));
+        EXPECT_EQ(Signals(log, way + "signals SigBlk:"), 0U);
+        EXPECT_EQ(Signals(log, way + "signals SigIgn:"), 0U);
+    }
+    EXPECT_THAT(log, HasSubstr("popen: status 0\n"));
+}
+
+TEST_F(Program, WithoutStandardStreamsItStillServes) {
+    Running server(Serving(), [] {
+        close(STDIN_FILENO);
+        close(STDOUT_FILENO);
+    });
+    EXPECT_THAT(Names(server.WaitForPort()), HasSubstr("INSTANCENAME"));
+    server.Signal(SIGTERM);
+    EXPECT_EQ(server.Wait(), 0);
+}
+
+TEST_F(Program, AClientThatGoesAwayDoesNotEndIt) {
+    Running server(Serving());
+    const auto port = server.WaitForPort();
+    {
+        test_support::CimClient client(port);
+        client.Send("POST /cimom HTTP/1.1\r\nHost: x\r\nContent-Length: 100\r\n\r\nhalf");
+    }
+    EXPECT_THAT(Names(port), HasSubstr("INSTANCENAME"));
+    server.Signal(SIGTERM);
+    EXPECT_EQ(server.Wait(), 0);
+}
+
+} // namespace
+} // namespace programtest

@@ -1,0 +1,249 @@
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <regex>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <sys/wait.h>
+
+#include <gmock/gmock.h>
+
+#include "patchkeeper/TemporaryDirectory.hpp"
+
+namespace {
+
+using patchkeeper_test::TemporaryDirectory;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+struct Result {
+    std::string output;
+    std::string errors;
+    int exitCode = 0;
+};
+
+// Runs a shell command; "patchkeeper" in it is the program.
+Result Shell(const std::string& command) {
+    const TemporaryDirectory directory;
+    std::filesystem::create_symlink(PATCHKEEPER_PROGRAM, directory.Path() / "patchkeeper");
+    const std::string errorFile = directory.Path() / "errors";
+    const std::string whole = "exec 2>" + errorFile + "; patchkeeper() { \"" +
+                              (directory.Path() / "patchkeeper").string() + "\" \"$@\"; }; " +
+                              command;
+    std::FILE* pipe = popen(whole.c_str(), "re");
+    Result result;
+    std::array<char, 4096> buffer{};
+    std::size_t got = 0;
+    while ((got = fread(buffer.data(), 1, buffer.size(), pipe)) > 0) {
+        result.output.append(buffer.data(), got);
+    }
+    const int status = pclose(pipe);
+    result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    std::ifstream in(errorFile);
+    result.errors.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    return result;
+}
+
+// Runs the program with a dpkg-query of the test's own making.
+Result WithDpkgQuery(const std::string& script) {
+    const TemporaryDirectory directory;
+    directory.WriteProgram("dpkg-query", "#!/bin/sh\n" + script);
+    return Shell("PATH=" + directory.Path().string() + ":$PATH patchkeeper");
+}
+
+TEST(Program, ListsEveryInstalledPackageOfThisMachine) {
+    const Result listed = Shell("patchkeeper");
+    EXPECT_EQ(listed.exitCode, 0);
+    EXPECT_EQ(listed.errors, "");
+    const Result counted =
+        Shell("dpkg-query --show --showformat='${db:Status-Status}\\n' | grep -c '^installed$'");
+    EXPECT_GT(std::stoi(counted.output), 0);
+    EXPECT_EQ(std::count(listed.output.begin(), listed.output.end(), '\n'),
+              std::stoi(counted.output));
+
+    const std::regex form(
+        "[^\t]+\t[^\t]+\t(Other|Configuration Software|Application Software|Diagnostic Software|"
+        "Operating System|Middleware|Firmware)\t[A-Z][a-z]{2} [A-Z][a-z]{2} [ 1-3][0-9] "
+        "[0-9]{2}:[0-9]{2}:[0-9]{2} UTC [0-9]{4}");
+    std::istringstream lines(listed.output);
+    std::string line;
+    while (std::getline(lines, line)) {
+        EXPECT_TRUE(std::regex_match(line, form)) << line;
+        EXPECT_LE(line.size(), 1022U);
+    }
+}
+
+TEST(Program, ReadsThisMachinesDatabaseAlsoInAnotherLocaleAndZone) {
+    const Result plain = Shell("patchkeeper");
+    const Result other = Shell("LC_ALL=de_DE.UTF-8 TZ=Asia/Tokyo patchkeeper");
+    EXPECT_EQ(other.output, plain.output);
+    EXPECT_EQ(other.exitCode, 0);
+}
+
+TEST(Program, WarningsOfDpkgQueryDoNotReachTheReader) {
+    const Result result =
+        WithDpkgQuery("echo 'warning: odd entry' >&2; printf 'installed\\tone\\t1\\tlibs\\t0\\n'");
+    EXPECT_EQ(result.output, "one\t1\tMiddleware\tThu Jan  1 00:00:00 UTC 1970\n");
+    EXPECT_EQ(result.errors, "");
+    EXPECT_EQ(result.exitCode, 0);
+}
+
+TEST(Program, FailingDpkgQueryIsNamedWithItsReason) {
+    const Result result = WithDpkgQuery("echo 'the lock is gone' >&2; exit 2");
+    EXPECT_EQ(result.errors, "patchkeeper: the package database cannot be read: dpkg-query failed "
+                             "with exit code 2: the lock is gone.\n");
+    EXPECT_EQ(result.exitCode, 1);
+}
+
+TEST(Program, KilledDpkgQueryIsAFailure) {
+    const Result result = WithDpkgQuery("printf 'installed\\tone\\t1\\tlibs\\t0\\n'; kill -9 $$");
+    EXPECT_EQ(result.errors,
+              "patchkeeper: the package database cannot be read: dpkg-query was ended "
+              "by signal 9.\n");
+    EXPECT_EQ(result.exitCode, 1);
+}
+
+TEST(Program, UnexpectedAnswerOfDpkgQueryIsAFailure) {
+    for (const char* line : {"one\\t1\\tlibs\\t0", "installed\\tone\\t1\\tlibs\\t0\\tmore", "x"}) {
+        const Result result = WithDpkgQuery("printf '" + std::string(line) + "\\n'");
+        EXPECT_THAT(result.errors, HasSubstr("printed a line that is not understood")) << line;
+        EXPECT_EQ(result.exitCode, 1) << line;
+        EXPECT_EQ(result.output, "") << line;
+    }
+}
+
+TEST(Program, DateThatIsNoNumberIsUnknown) {
+    const Result result = WithDpkgQuery("printf 'installed\\tone\\t1\\tlibs\\t12x\\n'");
+    EXPECT_EQ(result.output, "one\t1\tMiddleware\tThu Jan  1 00:00:00 UTC 1970\n");
+    EXPECT_EQ(result.exitCode, 0);
+}
+
+TEST(Program, MissingDpkgQueryIsASentenceAndAFailure) {
+    const Result result = Shell("PATH=/nowhere patchkeeper");
+    EXPECT_EQ(result.errors,
+              "patchkeeper: the package database cannot be read: dpkg-query cannot be "
+              "started: No such file or directory.\n");
+    EXPECT_EQ(result.output, "");
+    EXPECT_EQ(result.exitCode, 1);
+}
+
+TEST(Program, AnswerThatCannotBeWrittenIsAFailure) {
+    for (const char* arguments : {"", "--errors 12"}) {
+        const Result result = Shell(std::string("patchkeeper ") + arguments + " >/dev/full");
+        EXPECT_EQ(result.errors, "patchkeeper: the answer cannot be written.\n");
+        EXPECT_EQ(result.exitCode, 1);
+    }
+}
+
+TEST(Program, ErrorsDescribesACodeAndSucceeds) {
+    const Result known = Shell("patchkeeper --errors 12");
+    EXPECT_EQ(known.output, "The software update failed.\n");
+    EXPECT_EQ(known.exitCode, 0);
+    for (const char* code : {"0", "24", "32", "255", "-1"}) {
+        const Result unknown = Shell(std::string("patchkeeper --errors ") + code);
+        EXPECT_EQ(unknown.output, "The update tool failed for a reason that it cannot name.\n");
+        EXPECT_EQ(unknown.exitCode, 0) << code;
+        EXPECT_EQ(unknown.errors, "");
+    }
+}
+
+TEST(Program, ErrorsOfSomethingThatIsNoNumberIsAUsageError) {
+    for (const char* code : {"twelve", "12x", "0x12", "''", "99999999999", "1.5"}) {
+        const Result result = Shell(std::string("patchkeeper --errors ") + code);
+        EXPECT_EQ(result.exitCode, 2) << code;
+        EXPECT_EQ(result.output, "") << code;
+        EXPECT_NE(result.errors, "") << code;
+    }
+}
+
+TEST(Program, WrongCommandLinesAreUsageErrors) {
+    for (const char* arguments :
+         {"--errors", "--bogus", "-x", "something", "--setinprogress now", "--errors 1 2",
+          "--setinprogress --errors 1", "--setinprogress --cache"}) {
+        const TemporaryDirectory root;
+        const Result result =
+            Shell("PATCHKEEPER_ROOT=" + root.Path().string() + " patchkeeper " + arguments);
+        EXPECT_EQ(result.exitCode, 2) << arguments;
+        EXPECT_EQ(result.output, "") << arguments;
+        EXPECT_THAT(result.errors, HasSubstr("--help")) << arguments;
+        EXPECT_TRUE(std::filesystem::is_empty(root.Path())) << arguments;
+    }
+}
+
+TEST(Program, SetInProgressMarksInItsRoot) {
+    const TemporaryDirectory directory;
+    const auto root = directory.Path() / "root";
+    const Result result =
+        Shell("PATCHKEEPER_ROOT=" + root.string() + " patchkeeper --setinprogress");
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.output + result.errors, "");
+    EXPECT_TRUE(std::filesystem::is_regular_file(root / "in-progress"));
+}
+
+TEST(Program, SetInProgressThatFailsSaysWhy) {
+    const Result result = Shell("PATCHKEEPER_ROOT=/dev/null/root patchkeeper --setinprogress");
+    EXPECT_EQ(result.exitCode, 12);
+    EXPECT_EQ(result.errors, "patchkeeper: an operation cannot be marked as in progress in "
+                             "/dev/null/root: Not a directory.\n");
+}
+
+TEST(Program, OperationsThatAreNotThereFailWithTheirCode) {
+    const struct {
+        const char* arguments;
+        int exitCode;
+    } rows[] = {
+        {"--cache", 12},
+        {"-l name-1.0", 12},
+        {"--files", 12},
+        {"--files name-1.0", 12},
+        {"--warnings name 1.0", 12},
+        {"--hascomponents name 1.0", 12},
+        {"--components name 1.0", 12},
+        {"--hist", 12},
+        {"--status", 12},
+        {"--sched", 17},
+        {"--sched name 1.0 'Thu Jan  2 03:04:05 2025' 'Thu Jan  2 03:04:05 2025'", 17},
+        {"--msched name 1.0", 18},
+        {"--apply", 15},
+        {"--apply name 1.0 part", 15},
+        {"--rback name 1.0", 16},
+        {"--ftp host user -password path", 11},
+        {"--http host user password path", 19},
+        {"--http host user password path false", 19},
+        {"--http host user password path true", 20},
+        {"--samba host user password path", 21},
+        {"--usb path", 22},
+        {"--hd path", 14},
+        {"--em", 14},
+    };
+    for (const auto& row : rows) {
+        const Result result = Shell(std::string("patchkeeper ") + row.arguments);
+        EXPECT_EQ(result.exitCode, row.exitCode) << row.arguments;
+        EXPECT_EQ(result.output, "") << row.arguments;
+        const std::string arguments = row.arguments;
+        EXPECT_EQ(result.errors, "patchkeeper: " + arguments.substr(0, arguments.find(' ')) +
+                                     " is not offered by this version.\n");
+    }
+}
+
+TEST(Program, HelpAndVersionAreForAPerson) {
+    const Result help = Shell("patchkeeper --help");
+    EXPECT_EQ(help.exitCode, 0);
+    EXPECT_EQ(help.errors, "");
+    for (const char* text :
+         {"Lists the software that is installed", "--errors CODE", "--setinprogress", "--version",
+          "Not offered by this version: --cache, -l"}) {
+        EXPECT_THAT(help.output, HasSubstr(text));
+    }
+    const Result version = Shell("patchkeeper --version");
+    EXPECT_EQ(version.output, "patchkeeper " PROJECT_VERSION_TEXT "\n");
+    EXPECT_EQ(version.exitCode, 0);
+}
+
+} // namespace
