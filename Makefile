@@ -32,7 +32,7 @@ test: ## install what is missing, build with g++ for debugging, run every test o
 sanitize: ## all tests with address and undefined sanitizers, the overlap tests with the thread sanitizer
 	@scripts/require-packages build run test sanitize
 	@scripts/build asan
-	@scripts/build tsan
+	@scripts/build tsan overlap_tests
 	@scripts/run-tests asan tsan:overlap
 
 check: ## formatting and static checks

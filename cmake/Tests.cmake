@@ -8,6 +8,9 @@
 find_package(GTest REQUIRED)
 include(GoogleTest)
 
+# The programs with the tests that are labelled `overlap`: what the thread sanitizer runs.
+add_custom_target(overlap_tests)
+
 function(add_project_test)
     cmake_parse_arguments(arg "PRIVATE_ROOT" "NAME;TOOL" "SOURCES;LIBRARIES;LABELS" ${ARGN})
     add_executable(${arg_NAME} ${arg_SOURCES})
@@ -28,6 +31,9 @@ function(add_project_test)
             "${PROJECT_SOURCE_DIR}/scripts/with-qv;$<TARGET_FILE:${arg_TOOL}>")
     endif()
     set(properties TIMEOUT 120)
+    if("overlap" IN_LIST arg_LABELS)
+        add_dependencies(overlap_tests ${arg_NAME})
+    endif()
     if(arg_LABELS)
         list(APPEND properties LABELS "${arg_LABELS}")
     endif()

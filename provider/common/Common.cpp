@@ -4,7 +4,6 @@
 
 #include "platform/osTask.h"
 
-#include <atomic>
 #include <cstdarg>
 #include <cstdlib>
 #include <cstring>
@@ -27,7 +26,7 @@ using OpenWBEM::CIMQualifierArray;
 using OpenWBEM::CIMValue;
 using OpenWBEM::String;
 
-bool gProviderAgentDebug = false;
+std::atomic<bool> gProviderAgentDebug{false};
 String gPatchName;
 String gPatchVersion;
 std::mutex gSharedListLock;

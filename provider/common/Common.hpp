@@ -12,9 +12,11 @@
 
 #include "OW_CppProviderIncludes.hpp"
 
+#include <atomic>
+
 /// Print trace lines to standard output as well. Written by the master's initialize only, before
-/// requests arrive.
-extern bool gProviderAgentDebug;
+/// requests arrive; a background task of an earlier master may read it meanwhile.
+extern std::atomic<bool> gProviderAgentDebug;
 
 /// The server's logger; null before the master's initialize. Defined in MasterProvider. Only
 /// LogError, OutputDebug, SetLogger and StopLogging touch it.

@@ -7,8 +7,10 @@
 
 #include <gmock/gmock.h>
 
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
+#include <thread>
 
 namespace {
 
@@ -32,9 +34,21 @@ protected:
     void TearDown() override {
         tool_.Plays("", ToolAnswer().Output(oneLine));
         EXPECT_THAT(Wbemcli("ein", "ZNX_SoftwareIdentity").text, HasSubstr(R"(InstanceID="0")"));
-        EXPECT_LE(Server().OpenDescriptors(), descriptors_);
+        EXPECT_TRUE(DescriptorsComeBack()) << Server().OpenDescriptors() << " open descriptors";
         EXPECT_EQ(Server().Zombies(), 0U);
         OverHttp::TearDown();
+    }
+
+    // The server learns of a connection's end a moment after the client.
+    bool DescriptorsComeBack() {
+        const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+        while (Server().OpenDescriptors() > descriptors_) {
+            if (std::chrono::steady_clock::now() > limit) {
+                return false;
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        }
+        return true;
     }
 
     std::string TextOfFailure() {
@@ -51,7 +65,7 @@ protected:
 TEST_F(Failures, AnExitCodeArrivesAsTheToolsWordsAndTheMessageId) {
     tool_.Plays("", ToolAnswer().ExitCode(12));
     EXPECT_THAT(TextOfFailure(), HasSubstr("general error (What the code means.\n"
-                                           "\n#SWU_Patchkeeper_SoftwareUpdateFailed#)"));
+                                           "* #SWU_Patchkeeper_SoftwareUpdateFailed#)"));
     EXPECT_EQ(tool_.CommandLines().back(), "/qv/bin/patchkeeper --errors 12");
 }
 
@@ -67,9 +81,10 @@ TEST_F(Failures, ToolNotExecutable) {
     tool_.RestoreTool();
 }
 
-TEST_F(Failures, AKilledToolCountsAsDoneAndWhatItPrintedIsShown) {
+TEST_F(Failures, AKilledToolIsTheExitCodeThatTheShellMakesOfIt) {
     tool_.Plays("", ToolAnswer().Output(oneLine).DiesBySignal(SIGKILL));
-    EXPECT_THAT(Wbemcli("ein", "ZNX_SoftwareIdentity").text, HasSubstr(R"(InstanceID="0")"));
+    EXPECT_THAT(TextOfFailure(), HasSubstr("#SWU_Patchkeeper_Unknown#)"));
+    EXPECT_EQ(tool_.CommandLines().back(), "/qv/bin/patchkeeper --errors 137");
 }
 
 TEST_F(Failures, GarbageIsAParseFailureThatNamesTheField) {
@@ -92,11 +107,11 @@ TEST_F(Failures, TenMegabytesInOneLine) {
 TEST_F(Failures, TenMegabytesOfRecords) {
     std::string listing;
     while (listing.size() < 10'000'000) {
-        listing += oneLine;
+        listing += std::string(900, 'n') + "\t1\tOther\tJan 2 2025 03:04 UTC\n";
     }
     tool_.Plays("", ToolAnswer().Output(listing));
     const test_support::HttpAnswer answer = Post(test_support::IntrinsicCall(
-        "EnumerateInstanceNames",
+        "EnumerateInstances",
         R"(<IPARAMVALUE NAME="ClassName"><CLASSNAME NAME="ZNX_SoftwareIdentity"/></IPARAMVALUE>)"));
     EXPECT_EQ(answer.status, 200);
     EXPECT_GT(answer.body.size(), 10'000'000U);

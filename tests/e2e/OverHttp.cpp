@@ -11,7 +11,7 @@
 namespace e2e {
 namespace {
 
-ClientRun Run(const std::string& command) {
+ClientRun RunAtShell(const std::string& command) {
     ClientRun run;
     std::FILE* pipe = popen((command + " 2>&1").c_str(), "re");
     if (pipe == nullptr) {
@@ -59,9 +59,9 @@ void OverHttp::TearDown() {
 
 ClientRun OverHttp::Wbemcli(const std::string& operation, const std::string& object,
                             const std::string& moreWords, const std::string& nameSpace) {
-    return Run("wbemcli " + operation + " '" +
-               "http://127.0.0.1:" + std::to_string(proxy_->Port()) + "/" + nameSpace +
-               (object.empty() ? "" : ":" + object) + "' " + moreWords);
+    return RunAtShell("wbemcli " + operation + " '" +
+                      "http://127.0.0.1:" + std::to_string(proxy_->Port()) + "/" + nameSpace +
+                      (object.empty() ? "" : ":" + object) + "' " + moreWords);
 }
 
 test_support::HttpAnswer OverHttp::Post(const std::string& body) {

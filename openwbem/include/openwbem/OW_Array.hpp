@@ -102,10 +102,12 @@ public:
         return *this;
     }
     void appendArray(const Array& other) {
-        // A handle of its own keeps the elements in place when `other` is this array.
-        const Array source(other);
+        // One by one, so that `other` may be this array.
+        const size_type added = other.size();
         V& elements = own();
-        elements.insert(elements.end(), source.begin(), source.end());
+        for (size_type i = 0; i < added; ++i) {
+            elements.push_back(other.m_elements.getPtr()->vector[i]);
+        }
     }
     void pop_back() { own().pop_back(); }
 

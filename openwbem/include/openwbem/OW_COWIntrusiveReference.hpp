@@ -34,12 +34,8 @@ public:
         }
     }
 
-    COWIntrusiveReference& operator=(const COWIntrusiveReference& other) {
-        COWIntrusiveReference(other).swap(*this);
-        return *this;
-    }
-    COWIntrusiveReference& operator=(COWIntrusiveReference&& other) noexcept {
-        COWIntrusiveReference(static_cast<COWIntrusiveReference&&>(other)).swap(*this);
+    COWIntrusiveReference& operator=(COWIntrusiveReference other) noexcept {
+        swap(other);
         return *this;
     }
     COWIntrusiveReference& operator=(T* object) {

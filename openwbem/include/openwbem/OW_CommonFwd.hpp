@@ -22,8 +22,6 @@ class DateTime;
 class Format;
 struct LogMessage;
 class Logger;
-class Mutex;
-class MutexLock;
 class OperationContext;
 class SharedLibrary;
 class String;

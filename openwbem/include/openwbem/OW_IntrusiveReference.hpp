@@ -35,17 +35,8 @@ public:
         }
     }
 
-    IntrusiveReference& operator=(const IntrusiveReference& other) {
-        IntrusiveReference(other).swap(*this);
-        return *this;
-    }
-    IntrusiveReference& operator=(IntrusiveReference&& other) noexcept {
-        IntrusiveReference(static_cast<IntrusiveReference&&>(other)).swap(*this);
-        return *this;
-    }
-    template <class U>
-    IntrusiveReference& operator=(const IntrusiveReference<U>& other) {
-        IntrusiveReference(other).swap(*this);
+    IntrusiveReference& operator=(IntrusiveReference other) noexcept {
+        swap(other);
         return *this;
     }
     IntrusiveReference& operator=(T* object) {

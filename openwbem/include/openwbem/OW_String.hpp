@@ -9,7 +9,6 @@
 
 #include <atomic>
 #include <cstddef>
-#include <cstdlib>
 #include <iosfwd>
 
 namespace OpenWBEM {
@@ -194,11 +193,12 @@ private:
 
     static Block* allocate(size_t length, size_t spare);
     static Block* copyOf(const char* text, size_t length, size_t spare = 0);
+    static void destroy(Block* block) noexcept;
     // With a count of 1 nobody else is left who could raise it: no read-modify-write is needed.
     static void release(Block* block) noexcept {
         if (block && (block->count.load(std::memory_order_acquire) == 1 ||
                       block->count.fetch_sub(1, std::memory_order_acq_rel) == 1)) {
-            std::free(block);
+            destroy(block);
         }
     }
     // Needs a block; keep also needs begin and length to lie inside. An empty rest drops the block.

@@ -29,7 +29,8 @@ String mofText(const T& x) {
     } else if constexpr (std::is_same_v<T, CIMDateTime>) {
         return "\"" + x.toString() + "\"";
     } else if constexpr (std::is_same_v<T, Char16>) {
-        return "'" + CIMObjectPath::escape(x.toString()) + "'";
+        const bool isQuote = x.getValue() == '\'';
+        return "'" + (isQuote ? String("\\'") : CIMObjectPath::escape(x.toString())) + "'";
     } else if constexpr (std::is_same_v<T, CIMObjectPath>) {
         return x.toMOF();
     } else {

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstdarg>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <istream>
 #include <limits>
@@ -51,6 +52,10 @@ String::Block* String::copyOf(const char* text, size_t length, size_t spare) {
         std::memcpy(block->text(), text, length);
     }
     return block;
+}
+
+void String::destroy(Block* block) noexcept {
+    std::free(block);
 }
 
 String::String(const char* text) : m_block(text ? copyOf(text, std::strlen(text)) : nullptr) {

@@ -55,6 +55,9 @@ TEST(ProtocolErrors, HeadersOfPost) {
     const HeaderRow rows[] = {
         {{{"CIMOperation", "MethodCall"}}, "200 (absent)"},
         {{{"cimoperation", "methodcall"}}, "200 (absent)"},
+        {{{"Man", "http://www.dmtf.org/cim/mapping/http/v1.0 ; ns=23"},
+          {"CIMOperation", "MethodCall"}},
+         "200 (absent)"},
         {{}, "400 unsupported-operation"},
         {{{"CIMOperation", ""}}, "400 unsupported-operation"},
         {{{"CIMOperation", "MethodResponse"}}, "400 unsupported-operation"},
@@ -106,6 +109,7 @@ TEST(ProtocolErrors, VersionsOfOtherMajorNumbers) {
         {Replaced(R"(CIMVERSION="2.0")", R"(CIMVERSION="3.0")"), "501 unsupported-cim-version"},
         {Replaced(R"(CIMVERSION="2.0")", R"(CIMVERSION="20")"), "501 unsupported-cim-version"},
         {Replaced(R"(CIMVERSION="2.0")", R"(CIMVERSION="2.")"), "501 unsupported-cim-version"},
+        {Replaced(R"(CIMVERSION="2.0")", R"(CIMVERSION="2..1")"), "501 unsupported-cim-version"},
         {Replaced(R"(CIMVERSION="2.0")", R"(CIMVERSION="2.x")"), "501 unsupported-cim-version"},
         {Replaced(R"(CIMVERSION="2.0")", R"(CIMVERSION="")"), "501 unsupported-cim-version"},
         {Replaced(R"(DTDVERSION="2.0")", R"(DTDVERSION="2.4")"), "200 (absent)"},

@@ -86,6 +86,12 @@ INSTANTIATE_TEST_SUITE_P(
 
 #undef R
 
+TEST(XmlBufferText, WhatStandsBehindTheTextIsNotRead) {
+    const std::string_view euro = "\xE2\x82\xAC";
+    EXPECT_EQ(AsText(euro.substr(0, 2)), "\xEF\xBF\xBD");
+    EXPECT_EQ(AsText(euro.substr(0, 1)), "\xEF\xBF\xBD");
+}
+
 TEST(XmlBufferText, AllPairsOfBytesMakeAWellFormedDocument) {
     std::string all;
     for (int first = 0; first < 256; ++first) {

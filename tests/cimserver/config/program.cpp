@@ -176,13 +176,13 @@ TEST_F(Program, WhatAProviderPrintsGoesToTheLogAtOnce) {
     EXPECT_THAT(server.Output(), IsEmpty());
 }
 
-// The server's parent leaves it what a careless one may: open descriptors, a closed standard input,
+// The server's parent leaves it what a careless one may: open descriptors, a standard input,
 // ignored and blocked signals.
 TEST_F(Program, ChildrenOfProvidersInheritNothing) {
     Running server(Serving({"--config", ConfigFile("test.child = " PROGRAM_TEST_CHILD "\n")}), [] {
         dup2(open("/etc/passwd", O_RDONLY), 9);
         dup2(9, 200);
-        close(STDIN_FILENO);
+        dup2(9, STDIN_FILENO);
         std::signal(SIGCHLD, SIG_IGN);
         std::signal(SIGPIPE, SIG_IGN);
         sigset_t all;

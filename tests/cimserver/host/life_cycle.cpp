@@ -86,6 +86,16 @@ TEST_F(LifeCycle, IdleProviderIsDroppedAndLoadedAfresh) {
     ASSERT_TRUE(WaitForLine("Good: initialize for ", longest));
 }
 
+TEST_F(LifeCycle, ProviderThatIsNotIdleForLongIsNotAsked) {
+    Install("Good");
+    auto settings = Impatient();
+    settings.idleTime = 1h;
+    Start(settings);
+    Enumerate("c++::Good");
+    TakeLines();
+    EXPECT_FALSE(WaitForLine("Good: canUnload", moment));
+}
+
 TEST_F(LifeCycle, ProviderThatCannotBeUnloadedStaysUntilItCan) {
     Install("Good");
     Switch("Good: canUnload answers no", true);

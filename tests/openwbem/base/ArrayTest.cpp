@@ -63,7 +63,8 @@ TEST(Array, CopiesShareUntilOneIsChanged) {
 
 TEST(Array, ConstAccessNeverCopies) {
     const Array<int> a = made({1, 2});
-    const Array<int> b(a);
+    const std::vector<Array<int>> copies(1, a);
+    const Array<int>& b = copies[0];
     EXPECT_EQ(b[1], 2);
     EXPECT_EQ(b.front(), 1);
     EXPECT_EQ(b.back(), 2);
@@ -209,7 +210,9 @@ TEST(Array, ComparesElementByElement) {
     EXPECT_TRUE(made({1, 2}) <= made({1, 2}));
     EXPECT_TRUE(made({1, 2}) >= made({1, 2}));
     EXPECT_FALSE(made({1, 2}) < made({1, 2}));
-    EXPECT_TRUE(Array<int>() == Array<int>(Array<int>::size_type(0)));
+    const Array<int> none;
+    const Array<int> sizedZero(Array<int>::size_type(0));
+    EXPECT_TRUE(none == sizedZero);
     EXPECT_FALSE(made({1, 2}) == made({1, 3}));
     EXPECT_FALSE(made({2}) <= made({1}));
     EXPECT_FALSE(made({1}) >= made({2}));

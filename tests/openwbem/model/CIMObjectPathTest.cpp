@@ -118,6 +118,7 @@ TEST(CIMObjectPath, EqualityComparesNamespaceClassAndKeys) {
         {"root:A.k=\"v\"", "root:A.j=\"v\"", false},
         {"root:A.k=\"v\",j=\"w\"", "root:A.j=\"w\",k=\"v\"", true},
         {"root:A.k=\"v\",j=\"w\"", "root:A.k=\"v\"", false},
+        {"root:A.k=\"v\"", "root:A.k=\"v\",j=\"w\"", false},
         {"http://srv/root:A.k=\"v\"", "root:A.k=\"v\"", true},
     };
     for (const EqualityRow& row : rows) {

@@ -179,6 +179,7 @@ TEST(CIMValue, EqualityNeedsTypeAndValue) {
     EXPECT_TRUE(CIMValue(UInt8(1)) == CIMValue(UInt8(1)));
     EXPECT_TRUE(CIMValue("a") != CIMValue("A"));
     EXPECT_TRUE(CIMValue(UInt8(1)) != CIMValue(ArrayOf<UInt8>({1})));
+    EXPECT_TRUE(CIMValue(UInt64(0)) != CIMValue(UInt64Array()));
     EXPECT_TRUE(CIMValue(ArrayOf<String>({"a"})) != CIMValue(ArrayOf<String>({"a", "b"})));
     EXPECT_TRUE(CIMValue(CIMObjectPath("A", "root")).equal(CIMValue(CIMObjectPath("a", "ROOT"))));
 }

@@ -37,6 +37,7 @@ TEST(CIMValueText, EveryTypeHasItsPlainAndItsMofText) {
         {CIMValue(Real32(1.5f)), "1.5", "1.5"},
         {CIMValue(Real64(1234567.0)), "1.23457e+06", "1.23457e+06"},
         {CIMValue(Char16(UInt16('A'))), "A", "'A'"},
+        {CIMValue(Char16(UInt16('\''))), "'", "'\\''"},
         {CIMValue("x\"y\\z\n"), "x\"y\\z\n", "\"x\\\"y\\\\z\\n\""},
         {CIMValue(CIMDateTime("20250102030405.000000+060")), "20250102030405.000000+060",
          "\"20250102030405.000000+060\""},
