@@ -42,8 +42,7 @@ void Registry::Add(const std::string& id, const OpenWBEM::InstanceProviderInfo& 
                               taken->second + " serves already"));
         }
     };
-    const auto classes = info.getClassInfo();
-    for (const auto& entry : classes) {
+    for (const auto& entry : info.getClassInfo()) {
         if (entry.namespaces.empty()) {
             add(Folded(entry.className));
         }

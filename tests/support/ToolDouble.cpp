@@ -38,6 +38,12 @@ void WriteFile(const fs::path& file, const std::string& text) {
     }
 }
 
+// Empty when there is no link.
+fs::path LinkTarget(const fs::path& link) {
+    std::error_code none;
+    return fs::read_symlink(link, none);
+}
+
 fs::path MakeDirectory() {
     std::string name = (fs::temp_directory_path() / "double-XXXXXX").string();
     if (mkdtemp(name.data()) == nullptr) {
@@ -119,9 +125,7 @@ ToolAnswer& ToolAnswer::ReportsItself() {
     return *this;
 }
 
-ToolDouble::ToolDouble() {
-    std::error_code none;
-    tool_ = fs::read_symlink(toolPath, none);
+ToolDouble::ToolDouble() : tool_(LinkTarget(toolPath)) {
     if (tool_.filename() != "patchkeeper_double") {
         throw std::runtime_error(toolPath.string() +
                                  " is not the double: run this test through scripts/with-qv");

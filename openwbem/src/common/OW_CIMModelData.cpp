@@ -2,6 +2,10 @@
 
 namespace OpenWBEM {
 
+String toOwString(const std::string& text) {
+    return String(text.data(), text.size());
+}
+
 const CIMName& keyName() {
     // Never destroyed: a provider's thread may outlive static objects.
     static const CIMName& name = *new CIMName(CIMQualifier::CIM_QUAL_KEY);

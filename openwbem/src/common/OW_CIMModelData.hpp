@@ -165,8 +165,6 @@ std::string qualifiersToMOF(const CIMQualifierArray& qualifiers);
 std::string declarationToMOF(const CIMDataType& type, const CIMName& name);
 
 /// A text with its length, so that nothing is counted twice.
-inline String toOwString(const std::string& text) {
-    return String(text.data(), text.size());
-}
+String toOwString(const std::string& text);
 
 } // namespace OpenWBEM

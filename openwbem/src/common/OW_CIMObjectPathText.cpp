@@ -83,7 +83,7 @@ private:
         if (end == std::string::npos || end == position_) {
             throwNoPath(text_);
         }
-        const std::string name = text_.substr(position_, end - position_);
+        std::string name = text_.substr(position_, end - position_);
         position_ = end + 1;
         return name;
     }

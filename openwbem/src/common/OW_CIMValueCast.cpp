@@ -29,7 +29,7 @@ bool goesThroughText(CIMDataType::Type type) {
 
 CIMValue fromText(const CIMValue& value, const CIMDataType& type) {
     try {
-        const CIMValue result = CIMValue::createSimpleValue(type.toString(), value.toString());
+        CIMValue result = CIMValue::createSimpleValue(type.toString(), value.toString());
         if (result && result.getType() == type.getType()) {
             return result;
         }

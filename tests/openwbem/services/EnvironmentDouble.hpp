@@ -7,6 +7,7 @@
 #include "OW_RepositoryIFC.hpp"
 
 #include <memory>
+#include <utility>
 #include <vector>
 
 // An environment and a logger as a server has them; what is logged can be read afterwards.
@@ -15,7 +16,7 @@ typedef std::vector<OpenWBEM::LogMessage> LoggedLines;
 class LoggerDouble : public OpenWBEM::Logger {
 public:
     explicit LoggerDouble(std::shared_ptr<LoggedLines> lines)
-        : Logger("double", OpenWBEM::E_ALL_LEVEL), lines_(lines) {}
+        : Logger("double", OpenWBEM::E_ALL_LEVEL), lines_(std::move(lines)) {}
 
 protected:
     void doProcessLogMessage(const OpenWBEM::LogMessage& message) const override {
@@ -42,7 +43,7 @@ public:
     }
     OpenWBEM::LoggerRef getLogger() const override { return new LoggerDouble(lines); }
     OpenWBEM::LoggerRef getLogger(const OpenWBEM::String& componentName) const override {
-        const OpenWBEM::LoggerRef logger = new LoggerDouble(lines);
+        OpenWBEM::LoggerRef logger = new LoggerDouble(lines);
         logger->setDefaultComponent(componentName);
         return logger;
     }
