@@ -21,7 +21,7 @@ void CIMValue::checkNotNull() const {
     }
 }
 
-CIMValue::CIMValue(CIMNULL_t) : m_type(CIMDataType::CIMNULL), m_isArray(false) {
+CIMValue::CIMValue(CIMNULL_t) : m_storage(), m_type(CIMDataType::CIMNULL), m_isArray(false) {
 }
 
 CIMValue::CIMValue(const CIMValue& other) : m_type(CIMDataType::CIMNULL), m_isArray(false) {

@@ -157,6 +157,8 @@ TEST(StringCase, BytesThatAreNoUtf8StandForThemselves) {
     EXPECT_FALSE(String("\xC3\x41").equalsIgnoreCase("\xC3\x42"));
     EXPECT_TRUE(String("\xC3\x41").equalsIgnoreCase("\xC3\x61"));
     EXPECT_FALSE(String("\xC1\x81").equalsIgnoreCase("\xC1\xA1"));
+    EXPECT_FALSE(String("\xE0\x81\x81").equalsIgnoreCase("\xE0\x81\xA1"));
+    EXPECT_EQ(String("\xE0\x81\x81").toLowerCase(), "\xE0\x81\x81");
     EXPECT_EQ(String("\xC3\x61").toUpperCase(), "\xC3\x41");
 }
 

@@ -206,6 +206,17 @@ TEST(StringConcat, GrowsOverManySteps) {
     EXPECT_EQ(text(s), expected);
 }
 
+TEST(StringConcat, RoomToGrowIsNotSharedWithCopies) {
+    String original("abc");
+    original += "d";
+    String copy(original);
+    copy += "e";
+    EXPECT_EQ(text(original), "abcd");
+    original += "f";
+    EXPECT_EQ(text(copy), "abcde");
+    EXPECT_EQ(text(original), "abcdf");
+}
+
 TEST(StringConcat, PlusJoinsEveryPair) {
     EXPECT_EQ(text(String("a") + String("b")), "ab");
     EXPECT_EQ(text("a" + String("b")), "ab");

@@ -140,7 +140,7 @@ class Signals(unittest.TestCase):
         return seen
 
     def test_command_dies_with_a_killed_launcher(self):
-        with start("echo ready; exec sleep 600") as process:
+        with start("echo ready; exec sleep 60") as process:
             self.assertEqual(process.stdout.readline(), "ready\n")
             process.kill()
             ready, _, _ = select.select([process.stdout], [], [], PATIENCE)
