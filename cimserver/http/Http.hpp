@@ -63,7 +63,7 @@ struct Settings {
     std::string address = "127.0.0.1"; ///< IPv4 or IPv6 in numeric form
     std::uint16_t port = 5988;         ///< 0: any free port
     unsigned maxConnections = 30;      ///< a connection above that is closed at once
-    std::size_t maxBodyBytes = 1024 * 1024;
+    std::size_t maxBodyBytes = std::size_t{1024} * 1024;
     unsigned idleSeconds = 300;
 };
 

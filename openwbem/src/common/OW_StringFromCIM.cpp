@@ -4,8 +4,10 @@
 
 namespace OpenWBEM {
 
-String::String(const CIMDateTime& value) : String(value.toString()) {}
+String::String(const CIMDateTime& value) : String(value.toString()) {
+}
 
-String::String(const CIMObjectPath& path) : String(path.toString()) {}
+String::String(const CIMObjectPath& path) : String(path.toString()) {
+}
 
 } // namespace OpenWBEM
