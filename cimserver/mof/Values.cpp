@@ -52,8 +52,10 @@ Whole ToWhole(const Literal& literal, CIMDataType::Type type) {
     Demand(literal, Literal::Kind::Number, type);
     const syntax::Integer integer = syntax::ToInteger(literal);
     constexpr auto biggest = static_cast<std::uint64_t>(std::numeric_limits<Whole>::max());
-    const std::uint64_t bound =
-        !integer.negative ? biggest : (std::is_signed_v<Whole> ? biggest + 1 : 0);
+    std::uint64_t bound = biggest;
+    if (integer.negative) {
+        bound = std::is_signed_v<Whole> ? biggest + 1 : 0;
+    }
     if (integer.magnitude > bound) {
         DoesNotFit(literal, type);
     }
