@@ -56,6 +56,7 @@ class Child {
 public:
     Child(const std::vector<std::string>& command, int output, int errors) {
         std::vector<char*> arguments;
+        arguments.reserve(command.size() + 1);
         for (const auto& argument : command) {
             arguments.push_back(const_cast<char*>(argument.c_str()));
         }
