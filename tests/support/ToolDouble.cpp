@@ -184,14 +184,30 @@ void ToolDouble::Release(const std::string& option) {
     WriteFile(directory_ / ((own ? key : "default") + ".release"), "");
 }
 
-std::vector<std::vector<std::string>> ToolDouble::Calls() const {
-    std::vector<std::vector<std::string>> calls;
+std::vector<std::vector<std::string>> ToolDouble::Record() const {
+    std::vector<std::vector<std::string>> record;
     std::ifstream in(directory_ / "calls", std::ios::binary);
     std::string line;
     while (std::getline(in, line)) {
-        calls.push_back(Arguments(line));
+        record.push_back(Arguments(line));
+    }
+    return record;
+}
+
+std::vector<std::vector<std::string>> ToolDouble::Calls() const {
+    std::vector<std::vector<std::string>> calls = Record();
+    for (auto& call : calls) {
+        call.erase(call.begin());
     }
     return calls;
+}
+
+std::vector<std::string> ToolDouble::ShellCommands() const {
+    std::vector<std::string> commands;
+    for (const auto& call : Record()) {
+        commands.push_back(call.front());
+    }
+    return commands;
 }
 
 std::vector<std::string> ToolDouble::CommandLines() const {

@@ -70,7 +70,8 @@ struct ToolReport {
 //     EXPECT_THAT(tool.CommandLines(), ElementsAre("/qv/bin/patchkeeper --hist"));
 //
 // A call for which nothing is scripted ends with 99 and says so on standard error.
-// Not for several threads at once, except Calls, CommandLines, WaitForCalls and Release.
+// Not for several threads at once, except Calls, CommandLines, ShellCommands, WaitForCalls and
+// Release.
 class ToolDouble {
 public:
     ToolDouble();
@@ -92,6 +93,9 @@ public:
     std::vector<std::vector<std::string>> Calls() const;
     // The same, each argv joined by single blanks.
     std::vector<std::string> CommandLines() const;
+    // The text that the shell was given for each call, blanks and quotes as they were; empty for a
+    // call without a shell that waits.
+    std::vector<std::string> ShellCommands() const;
     // Waits until at least `count` calls have started; false when `limit` has passed before.
     bool WaitForCalls(std::size_t count,
                       std::chrono::milliseconds limit = std::chrono::seconds(30)) const;
@@ -114,6 +118,8 @@ public:
 
 private:
     void Write(const std::string& key, const ToolAnswer& answer);
+    // The text for the shell, then argv, of each call.
+    std::vector<std::vector<std::string>> Record() const;
 
     std::filesystem::path directory_;
     std::filesystem::path tool_;

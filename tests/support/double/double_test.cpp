@@ -75,6 +75,19 @@ TEST(Double, PlaysBytesAndExitCodeOfTheOption) {
     EXPECT_EQ(Shell("/qv/bin/patchkeeper --hist 2>/dev/null").output, "a\tb\n\xff");
 }
 
+TEST(Double, RecordsTheTextThatTheShellWasGiven) {
+    ToolDouble tool;
+    tool.PlaysOtherwise(ToolAnswer());
+    Shell("/qv/bin/patchkeeper --sched  2>&1");
+    Shell("  /qv/bin/patchkeeper  -l 'a\\n\tb' \n");
+    StatusOf("--hist");
+    EXPECT_THAT(tool.ShellCommands(), ElementsAre("/qv/bin/patchkeeper --sched  2>&1",
+                                                  "  /qv/bin/patchkeeper  -l 'a\\n\tb' \n", ""));
+    EXPECT_THAT(tool.CommandLines(),
+                ElementsAre("/qv/bin/patchkeeper --sched", "/qv/bin/patchkeeper -l a\\n\tb",
+                            "/qv/bin/patchkeeper --hist"));
+}
+
 TEST(Double, RecordsArgumentsExactly) {
     ToolDouble tool;
     tool.PlaysOtherwise(ToolAnswer());

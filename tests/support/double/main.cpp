@@ -97,13 +97,31 @@ void AppendEscaped(std::string& line, const char* text) {
     }
 }
 
+// The command line that the shell was given which waits for us; empty when none does.
+std::string ShellCommand() {
+    const std::string path = "/proc/" + std::to_string(getppid()) + "/cmdline";
+    std::string text;
+    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    char buffer[65536];
+    ssize_t got = 0;
+    while (file >= 0 && (got = read(file, buffer, sizeof buffer)) > 0) {
+        text.append(buffer, static_cast<std::size_t>(got));
+    }
+    close(file);
+    const std::string shell("sh\0-c\0", 6);
+    if (text.compare(0, shell.size(), shell) != 0) {
+        return "";
+    }
+    text.pop_back();
+    return text.substr(text.rfind('\0') + 1);
+}
+
 // One write per call, so that calls beside each other do not mix.
 void Record(const std::string& directory, int count, char** arguments) {
     std::string line;
+    AppendEscaped(line, ShellCommand().c_str());
     for (int i = 0; i < count; ++i) {
-        if (i > 0) {
-            line += '\t';
-        }
+        line += '\t';
         AppendEscaped(line, arguments[i]);
     }
     line += '\n';
