@@ -5,7 +5,7 @@ SHELL := /bin/bash
 JOBS ?= $(shell nproc)
 PORT ?= 5988
 
-.PHONY: help build demo serve test sanitize check ci bench format clean
+.PHONY: help build demo serve test sanitize check ci matrix mutants bench format clean
 
 help: ## list the commands
 	@grep -hE '^[a-z-]+:.*## ' Makefile | sed -E 's/:[^#]*## /\t/' | expand -t 12
@@ -41,6 +41,16 @@ check: ## formatting and static checks
 
 ci: ## everything before landing: test, sanitize, check, and the demo as an ordinary user
 	@scripts/ci
+
+matrix: ## every operation and method in every situation: carry them out, then print them
+	@scripts/require-packages build run test
+	@scripts/build debug matrix_test matrix_print
+	@scripts/run-tests debug:matrix
+	@build/debug/bin/matrix_print
+
+mutants: ## break the library's rules one at a time and see that the tests notice (about half an hour)
+	@scripts/require-packages build run test
+	@scripts/mutants
 
 bench: ## measure against the floor: a table here, build/bench.json beside it
 	@scripts/require-packages build run bench

@@ -22,7 +22,8 @@ extern std::atomic<bool> gProviderAgentDebug;
 /// LogError, OutputDebug, SetLogger and StopLogging touch it.
 extern OpenWBEM::LoggerRef gLogger;
 
-/// The update whose optional components are listed; empty until a client has asked for them.
+/// The update whose optional components are listed; empty until a client has asked for them. The
+/// two belong together: read and written under gSharedListLock, by the component provider alone.
 extern OpenWBEM::String gPatchName;
 extern OpenWBEM::String gPatchVersion;
 

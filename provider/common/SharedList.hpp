@@ -15,7 +15,8 @@
 
 #include <mutex>
 
-/// Guards the handles of all shared lists, one at a time and briefly.
+/// Guards the handles of all shared lists, and the selected update (gPatchName, gPatchVersion),
+/// which changes together with the list of its components. Held briefly.
 extern std::mutex gSharedListLock;
 
 /// The list as it is published now. Any thread may call.
@@ -30,6 +31,15 @@ template <typename T>
 void PublishList(OpenWBEM::Array<T>& shared, OpenWBEM::Array<T> list) {
     const std::lock_guard<std::mutex> lock(gSharedListLock);
     shared.swap(list);
+}
+
+/// Changes the published list in place, as one step: `change` is called with it under the lock, so
+/// it is brief and touches no other shared list. Snapshots taken before keep what they hold. What
+/// it throws passes. Any thread may call.
+template <typename T, typename Change>
+void ChangeList(OpenWBEM::Array<T>& shared, const Change& change) {
+    const std::lock_guard<std::mutex> lock(gSharedListLock);
+    change(shared);
 }
 
 /// The records of one refresh. Whatever has been gathered is published when the refresh leaves its

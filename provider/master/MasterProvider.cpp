@@ -1,7 +1,14 @@
 #include "provider/master/MasterProvider.hpp"
 
+#include "provider/active/ActiveProvider.hpp"
+#include "provider/available/AvaliableProvider.hpp"
 #include "provider/common/Common.hpp"
+#include "provider/component/ComponentProvider.hpp"
+#include "provider/filelist/FileListProvider.hpp"
+#include "provider/filename/FileNameProvider.hpp"
+#include "provider/history/HistoryProvider.hpp"
 #include "provider/inventory/InventoryProvider.hpp"
+#include "provider/scheduled/ScheduledProvider.hpp"
 
 #include <atomic>
 #include <cstdlib>
@@ -36,9 +43,23 @@ EndOfLogging endOfLogging;
 
 } // namespace
 
+String gAppliedUpdatesClass("ZNX_HistorySoftwareUpdate");
+String gPendingUpdatesClass("ZNX_ScheduledSoftwareUpdate");
+String gAvaliableUpdatesClass("ZNX_AvailableSoftwareUpdate");
+String gActiveUpdatesClass("ZNX_ActiveSoftwareUpdate");
 String gInventoryClass("ZNX_SoftwareIdentity");
+String gComponentClass("ZNX_SoftwareUpdateComponent");
+String gFileNameClass("ZNX_AvailableSoftwareFileName");
+String gFileListClass("ZNX_AvailableSoftwareFileList");
 String gEMVersionClass("ZNX_ElementManagerCartridgeVersionInfo");
+HistoryUpdateProvider gAppliedUpdateProvider;
+ScheduledUpdateProvider gPendingUpdateProvider;
+AvaliableUpdateProvider gAvaliableUpdateProvider;
+ActiveUpdateProvider gActiveUpdateProvider;
 InventoryProvider gInventoryProvider;
+FileNameProvider gFileNameProvider;
+FileListMapProvider gFileList;
+ComponentProvider gComponentProvider;
 
 namespace {
 
@@ -53,20 +74,61 @@ std::atomic<const SoftwareUpdateProvider*> initializedBy{nullptr};
 // ODDITY MP-4: class names are compared with their case, although CIM knows none.
 
 CppInstanceProviderIFC& InstanceProviderOf(const String& className) {
+    if (className == gAppliedUpdatesClass) {
+        return gAppliedUpdateProvider;
+    }
+    if (className == gPendingUpdatesClass) {
+        return gPendingUpdateProvider;
+    }
+    if (className == gAvaliableUpdatesClass) {
+        return gAvaliableUpdateProvider;
+    }
+    if (className == gActiveUpdatesClass) {
+        return gActiveUpdateProvider;
+    }
     if (className == gInventoryClass || className == gEMVersionClass) {
         return gInventoryProvider;
+    }
+    if (className == gFileNameClass) {
+        return gFileNameProvider;
+    }
+    if (className == gFileListClass) {
+        return gFileList;
+    }
+    if (className == gComponentClass) {
+        return gComponentProvider;
     }
     OW_THROWCIM(CIMException::INVALID_CLASS);
 }
 
+// ODDITY MP-5: the file names have a method provider, which is never asked: a method of that class
+// is refused like one of an unknown class.
 CppMethodProviderIFC& MethodProviderOf(const String& className) {
+    if (className == gAppliedUpdatesClass) {
+        return gAppliedUpdateProvider;
+    }
+    if (className == gPendingUpdatesClass) {
+        return gPendingUpdateProvider;
+    }
+    if (className == gAvaliableUpdatesClass) {
+        return gAvaliableUpdateProvider;
+    }
+    if (className == gActiveUpdatesClass) {
+        return gActiveUpdateProvider;
+    }
     if (className == gInventoryClass || className == gEMVersionClass) {
         return gInventoryProvider;
+    }
+    if (className == gComponentClass) {
+        return gComponentProvider;
     }
     OW_THROWCIM(CIMException::INVALID_CLASS);
 }
 
-CppAssociatorProviderIFC& AssociatorProviderOf(const String&) {
+CppAssociatorProviderIFC& AssociatorProviderOf(const String& className) {
+    if (className == "ZNX_AvailableSoftwareFileList") {
+        return gFileList;
+    }
     OW_THROWCIM(CIMException::INVALID_CLASS);
 }
 
@@ -106,12 +168,24 @@ SoftwareUpdateProvider::~SoftwareUpdateProvider() {
 void SoftwareUpdateProvider::initialize(const ProviderEnvironmentIFCRef& env) {
     gProviderAgentDebug = DebugIsSwitchedOn();
     SetLogger(env);
+    gAppliedUpdateProvider.initialize(env);
+    gPendingUpdateProvider.initialize(env);
+    gAvaliableUpdateProvider.initialize(env);
+    gActiveUpdateProvider.initialize(env);
     gInventoryProvider.initialize(env);
+    gFileNameProvider.initialize(env);
+    gComponentProvider.initialize(env);
     initializedBy = this;
 }
 
 void SoftwareUpdateProvider::cleanup() {
+    gAppliedUpdateProvider.cleanup();
+    gPendingUpdateProvider.cleanup();
+    gAvaliableUpdateProvider.cleanup();
+    gActiveUpdateProvider.cleanup();
     gInventoryProvider.cleanup();
+    gFileNameProvider.cleanup();
+    gComponentProvider.cleanup();
 }
 
 bool SoftwareUpdateProvider::canUnload() {

@@ -24,8 +24,15 @@ PUBLIC_HEADER = {
 }
 # A provider folder may include these neighbours, beside common/ and itself.
 NEIGHBOURS = {
+    "active": set(),
+    "available": {"component"},
     "common": set(),
+    "component": set(),
+    "filelist": {"available", "filename"},
+    "filename": set(),
+    "history": set(),
     "inventory": set(),
+    "scheduled": set(),
 }
 
 

@@ -1,18 +1,24 @@
 #include "MasterTest.hpp"
 
+#include "provider/available/AvaliableProvider.hpp"
+
+#include <utility>
+
 using namespace OpenWBEM;
 using namespace OpenWBEM::WBEMFlags;
+using test_support::CimError;
 using test_support::CimErrorOf;
 using test_support::InvalidClass;
 using test_support::InvalidParameter;
+using test_support::NotFound;
 using test_support::NotSupported;
 using test_support::PathOf;
+using test_support::ToolAnswer;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace {
 
-// The classes that have no class provider yet stand among the unknown ones.
 const char* const UNKNOWN_CLASSES[] = {
     "",
     "znx_softwareidentity",
@@ -21,13 +27,13 @@ const char* const UNKNOWN_CLASSES[] = {
     "ZNX_SoftwareIdentit",
     "ZNX_elementManagerCartridgeVersionInfo",
     "CIM_SoftwareIdentity",
-    "ZNX_HistorySoftwareUpdate",
-    "ZNX_ScheduledSoftwareUpdate",
-    "ZNX_AvailableSoftwareUpdate",
-    "ZNX_ActiveSoftwareUpdate",
-    "ZNX_AvailableSoftwareFileName",
-    "ZNX_AvailableSoftwareFileList",
-    "ZNX_SoftwareUpdateComponent",
+    "znx_HistorySoftwareUpdate",
+    "znx_ScheduledSoftwareUpdate",
+    "znx_AvailableSoftwareUpdate",
+    "znx_ActiveSoftwareUpdate",
+    "znx_AvailableSoftwareFileName",
+    "znx_AvailableSoftwareFileList",
+    "znx_SoftwareUpdateComponent",
 };
 
 } // namespace
@@ -80,36 +86,102 @@ TEST_F(Routing, AnUnknownClassIsRefusedByEveryOperation) {
     EXPECT_THAT(tool.Calls(), IsEmpty());
 }
 
-TEST_F(Routing, NoAssociationIsServed) {
-    const CIMObjectPath source = PathOf("ZNX_SoftwareIdentity", "InstanceID", "0");
+// Every class asks the tool in its own way, which shows whom a call has reached.
+TEST_F(Routing, EveryClassReachesItsProvider) {
+    tool.PlaysOtherwise(ToolAnswer());
+    gAvaliableList = Array<AvaliableUpdate>();
+    gPatchName = "N";
+    gPatchVersion = "V";
+    const std::pair<const char*, const char*> commands[] = {
+        {"ZNX_HistorySoftwareUpdate", "/qv/bin/patchkeeper --hist"},
+        {"ZNX_ScheduledSoftwareUpdate", "/qv/bin/patchkeeper --sched"},
+        {"ZNX_AvailableSoftwareUpdate", "/qv/bin/patchkeeper --cache"},
+        {"ZNX_ActiveSoftwareUpdate", "/qv/bin/patchkeeper --apply"},
+        {"ZNX_SoftwareIdentity", "/qv/bin/patchkeeper"},
+        {"ZNX_ElementManagerCartridgeVersionInfo", "/qv/bin/patchkeeper"},
+        {"ZNX_AvailableSoftwareFileName", "/qv/bin/patchkeeper --files"},
+        {"ZNX_SoftwareUpdateComponent", "/qv/bin/patchkeeper --components N V"},
+    };
+    for (const auto& [className, command] : commands) {
+        tool.ForgetCalls();
+        calls.EnumInstances(className);
+        calls.EnumInstanceNames(className);
+        EXPECT_THAT(tool.CommandLines(), ElementsAre(command, command)) << className;
+    }
+}
+
+// The refusals of the other operations tell the classes apart from an unknown one.
+TEST_F(Routing, EveryOperationReachesEveryClass) {
+    tool.PlaysOtherwise(ToolAnswer());
+    for (const char* const className :
+         {"ZNX_HistorySoftwareUpdate", "ZNX_ScheduledSoftwareUpdate", "ZNX_AvailableSoftwareUpdate",
+          "ZNX_ActiveSoftwareUpdate", "ZNX_SoftwareIdentity",
+          "ZNX_ElementManagerCartridgeVersionInfo", "ZNX_AvailableSoftwareFileName",
+          "ZNX_AvailableSoftwareFileList", "ZNX_SoftwareUpdateComponent"}) {
+        SCOPED_TRACE(className);
+        const CIMObjectPath path = PathOf(className, "InstanceID", "none");
+        EXPECT_NE(CimErrorOf([&] { calls.GetInstance(path); }), InvalidClass());
+        EXPECT_EQ(CimErrorOf([&] { calls.CreateInstance(CIMInstance(className)); }),
+                  NotSupported());
+        EXPECT_NE(CimErrorOf([&] { calls.DeleteInstance(path); }), InvalidClass());
+        EXPECT_NE(CimErrorOf([&] { calls.ModifyInstance(CIMInstance(className)); }),
+                  InvalidClass());
+    }
+}
+
+TEST_F(Routing, MethodsReachSixProviders) {
+    for (const char* const className :
+         {"ZNX_HistorySoftwareUpdate", "ZNX_ScheduledSoftwareUpdate", "ZNX_AvailableSoftwareUpdate",
+          "ZNX_ActiveSoftwareUpdate", "ZNX_SoftwareIdentity",
+          "ZNX_ElementManagerCartridgeVersionInfo", "ZNX_SoftwareUpdateComponent"}) {
+        EXPECT_NE(CimErrorOf([&] { Invoke(className); }), InvalidClass()) << className;
+    }
+    EXPECT_EQ(CimErrorOf([&] { Invoke("ZNX_AvailableSoftwareFileName"); }), InvalidClass());
+    EXPECT_EQ(CimErrorOf([&] { Invoke("ZNX_AvailableSoftwareFileList"); }), InvalidClass());
+}
+
+TEST_F(Routing, OnlyTheFileListIsAnAssociation) {
+    const CIMObjectPath source = PathOf("ZNX_AvailableSoftwareUpdate", "InstanceID", "none");
     CIMInstanceArray instances;
     CIMInstanceArrayBuilder instanceResult(instances);
     CIMObjectPathArray paths;
     CIMObjectPathArrayBuilder pathResult(paths);
-    for (const char* const association :
-         {"", "ZNX_SoftwareIdentity", "znx_availablesoftwarefilelist",
-          "ZNX_AvailableSoftwareFileList"}) {
-        EXPECT_EQ(CimErrorOf([&] {
-                      master.associators(env, instanceResult, "root/cimv2", source, association, "",
-                                         "", "", E_EXCLUDE_QUALIFIERS, E_EXCLUDE_CLASS_ORIGIN,
-                                         nullptr);
+    const std::pair<const char*, CimError> outcomes[] = {
+        {"", InvalidClass()},
+        {"ZNX_SoftwareIdentity", InvalidClass()},
+        {"ZNX_AvailableSoftwareUpdate", InvalidClass()},
+        {"znx_availablesoftwarefilelist", InvalidClass()},
+        {"ZNX_AvailableSoftwareFileList", NotFound()},
+    };
+    for (const auto& [association, outcome] : outcomes) {
+        SCOPED_TRACE(association);
+        EXPECT_EQ(CimErrorOf([&, name = association] {
+                      master.associators(env, instanceResult, "root/cimv2", source, name, "",
+                                         "Antecedent", "", E_EXCLUDE_QUALIFIERS,
+                                         E_EXCLUDE_CLASS_ORIGIN, nullptr);
                   }),
-                  InvalidClass());
-        EXPECT_EQ(CimErrorOf([&] {
-                      master.associatorNames(env, pathResult, "root/cimv2", source, association, "",
-                                             "", "");
+                  outcome);
+        EXPECT_EQ(CimErrorOf([&, name = association] {
+                      master.associatorNames(env, pathResult, "root/cimv2", source, name, "",
+                                             "Antecedent", "");
                   }),
-                  InvalidClass());
-        EXPECT_EQ(CimErrorOf([&] {
-                      master.references(env, instanceResult, "root/cimv2", source, association, "",
+                  outcome);
+        EXPECT_EQ(CimErrorOf([&, name = association] {
+                      master.references(env, instanceResult, "root/cimv2", source, name, "",
                                         E_EXCLUDE_QUALIFIERS, E_EXCLUDE_CLASS_ORIGIN, nullptr);
                   }),
-                  InvalidClass());
-        EXPECT_EQ(CimErrorOf([&] {
-                      master.referenceNames(env, pathResult, "root/cimv2", source, association, "");
+                  outcome);
+        EXPECT_EQ(CimErrorOf([&, name = association] {
+                      master.referenceNames(env, pathResult, "root/cimv2", source, name, "");
                   }),
-                  InvalidClass());
+                  outcome);
     }
+}
+
+TEST_F(Routing, InitializeReachesTheClassProviders) {
+    const CIMInstance placeholder =
+        calls.GetInstance(PathOf("ZNX_AvailableSoftwareUpdate", "InstanceID", "1"));
+    EXPECT_EQ(placeholder.getPropertyValue("Name"), CIMValue("Dummy"));
 }
 
 TEST_F(Routing, TheMasterServesInstancesMethodsAndAssociations) {
@@ -128,4 +200,8 @@ class MasterOddities : public Routing {};
 TEST_F(MasterOddities, MP4_ClassNamesAreComparedWithTheirCase) {
     EXPECT_EQ(CimErrorOf([&] { calls.EnumInstances("znx_softwareidentity"); }), InvalidClass());
     EXPECT_EQ(CimErrorOf([&] { calls.EnumInstances("ZNX_SoftwareIdentity"); }).number, 0);
+}
+
+TEST_F(MasterOddities, MP5_MethodsOfTheFileNamesAreRefusedAsOfAnUnknownClass) {
+    EXPECT_EQ(CimErrorOf([&] { Invoke("ZNX_AvailableSoftwareFileName"); }).number, 5);
 }

@@ -1,0 +1,244 @@
+#include "provider/available/AvaliableProvider.hpp"
+
+#include "provider/common/Common.hpp"
+#include "provider/common/SharedList.hpp"
+#include "provider/component/ComponentProvider.hpp"
+
+#include <string>
+
+using OpenWBEM::Array;
+using OpenWBEM::CIMClass;
+using OpenWBEM::CIMException;
+using OpenWBEM::CIMInstance;
+using OpenWBEM::CIMInstanceResultHandlerIFC;
+using OpenWBEM::CIMName;
+using OpenWBEM::CIMObjectPath;
+using OpenWBEM::CIMObjectPathResultHandlerIFC;
+using OpenWBEM::CIMPropertyArray;
+using OpenWBEM::CIMValue;
+using OpenWBEM::ProviderEnvironmentIFCRef;
+using OpenWBEM::String;
+using OpenWBEM::StringArray;
+using OpenWBEM::UInt16;
+using OpenWBEM::UInt32;
+using OpenWBEM::UInt8;
+using namespace OpenWBEM::WBEMFlags;
+
+Array<AvaliableUpdate> gAvaliableList;
+
+namespace {
+
+const char* const COMMAND = "/qv/bin/patchkeeper --cache ";
+const char* const DESCRIPTION_COMMAND = "/qv/bin/patchkeeper -l ";
+const char* const APPLY_COMMAND = "/qv/bin/patchkeeper --apply ";
+const char* const WARNINGS_COMMAND = "/qv/bin/patchkeeper --warnings ";
+const char* const COMPONENTS_COMMAND = "/qv/bin/patchkeeper --hascomponents ";
+const char* const SCHEDULE_COMMAND = "/qv/bin/patchkeeper --sched ";
+
+const UInt16 MOST_RECORDS = 65535;
+const char* const TOO_MANY_RECORDS =
+    "Too many records: more than 65535 lines from /qv/bin/patchkeeper --cache ";
+
+const CIMName UPDATE_CLASS("ZNX_AvailableSoftwareUpdate");
+const String INSTANCE_ID("InstanceID");
+const CIMName NAME("Name");
+const CIMName SHORT_DESCRIPTION("ShortDescription");
+const CIMName VERSION_STRING("VersionString");
+const CIMName SIZE("Size");
+const CIMName REBOOT_REQUIRED("RebootRequired");
+const CIMName STATUS("Status");
+const String UPDATE_DESCRIPTION("UpdateDescription");
+
+struct StatusRow {
+    const char* text;
+    UInt8 value;
+};
+
+const StatusRow STATUSES[] = {
+    {"Obsolete", 0}, {"Applied", 1}, {"Schedule", 2}, {"Available", 3}, {"Invalid", 4},
+};
+// ODDITY AV-2: 154 for any other word; clients compare with it.
+const UInt8 UNKNOWN_STATUS = 154;
+
+UInt8 StatusOf(const String& text) {
+    for (const StatusRow& row : STATUSES) {
+        if (text == row.text) {
+            return row.value;
+        }
+    }
+    return UNKNOWN_STATUS;
+}
+
+AvaliableUpdate ReadRecord(UInt16 position, char* line) {
+    AvaliableUpdate record;
+    record.InstanceID = String(static_cast<UInt32>(position));
+    record.Name = GetNextToken(line, "Name", COMMAND);
+    record.Version = GetNextToken(nullptr, "Version", COMMAND);
+    record.ShortDescription = GetNextToken(nullptr, "Short Description", COMMAND);
+    record.Size = GetNextToken(nullptr, "Size", COMMAND);
+    record.RebootRequired = GetNextToken(nullptr, "Reboot Required", COMMAND) == "reboot";
+    // ODDITY AV-3: the label in a failure is "Category", although the field is the state.
+    record.Status = StatusOf(GetNextToken(nullptr, "Category", COMMAND));
+    return record;
+}
+
+String DescriptionOf(const AvaliableUpdate& record) {
+    String description;
+    if (Execute(DESCRIPTION_COMMAND + record.Name + "-" + record.Version, description) != 0) {
+        // ODDITY AV-4: any -l failure is reported as exit code 1; clients rely on the message id.
+        ThrowPatchKeeperError(1);
+    }
+    return description;
+}
+
+} // namespace
+
+String AvaliableUpdate::Apply() const {
+    // ODDITY AV-5: a blank ends the line when no component is chosen.
+    // ODDITY AV-6: the chosen components are those of the update that was selected last, whichever
+    // update is applied.
+    SpawnBackgroundThread(APPLY_COMMAND + Name + " " + Version + " " + GetOptionalComponentList());
+    return String();
+}
+
+String AvaliableUpdate::Warnings() const {
+    String output;
+    const int code = Execute(WARNINGS_COMMAND + Name + " " + Version, output);
+    // ODDITY AV-7: 1 says that there are warnings; -1, a tool that was not started, passes too.
+    if (code > 1) {
+        ThrowPatchKeeperError(code);
+    }
+    return output;
+}
+
+bool AvaliableUpdate::HasOptionalComponents() const {
+    // ODDITY AV-16: a question that changes something: the update is selected before the tool is
+    // asked, also when it then fails.
+    SelectComponentsOf(Name, Version);
+    const int code = Execute(COMPONENTS_COMMAND + Name + " " + Version);
+    if (code > 1) {
+        ThrowPatchKeeperError(code);
+    }
+    return code == 0;
+}
+
+String AvaliableUpdate::Schedule(const String& date, const String& time) const {
+    // ODDITY AV-17: date and time are quoted, name and version are not, here as in all commands.
+    String output;
+    const int code = Execute(
+        SCHEDULE_COMMAND + Name + " " + Version + " \"" + date + "\" \"" + time + "\"", output);
+    if (code != 0) {
+        ThrowPatchKeeperError(code);
+    }
+    return output;
+}
+
+void AvaliableUpdateProvider::initialize(const ProviderEnvironmentIFCRef&) {
+    // ODDITY AV-8: the first record of the list has the InstanceID of a second one: until an
+    // enumeration clients find it as "1".
+    AvaliableUpdate placeholder;
+    placeholder.InstanceID = "1";
+    placeholder.Name = "Dummy";
+    ChangeList(gAvaliableList, [&](List& list) { list.push_back(placeholder); });
+}
+
+void AvaliableUpdateProvider::cleanup() {
+}
+
+Array<AvaliableUpdate> AvaliableUpdateProvider::GetCachedList() {
+    ListRefresh<AvaliableUpdate> refresh(gAvaliableList);
+    List& records = refresh.Records();
+    StringArray lines;
+    const int code = Execute(COMMAND, lines);
+    if (code != 0) {
+        ThrowPatchKeeperError(code);
+    }
+    std::string line;
+    for (UInt16 i = 0; i < lines.size(); ++i) {
+        if (i == MOST_RECORDS) {
+            ThrowCimFailed(TOO_MANY_RECORDS);
+        }
+        line = static_cast<const StringArray&>(lines)[i].c_str();
+        records.push_back(ReadRecord(i, &line[0]));
+    }
+    return records;
+}
+
+CIMInstance AvaliableUpdateProvider::GetInstance(int index, const StringArray* properties,
+                                                 const List& list) const {
+    const AvaliableUpdate& record = list[static_cast<size_t>(index)];
+    CIMInstance instance(UPDATE_CLASS);
+    instance.setProperty(ProvPropCreateKey(INSTANCE_ID, CIMValue(record.InstanceID)));
+    instance.setProperty(NAME, CIMValue(record.Name));
+    instance.setProperty(SHORT_DESCRIPTION, CIMValue(record.ShortDescription));
+    instance.setProperty(VERSION_STRING, CIMValue(record.Version));
+    instance.setProperty(SIZE, CIMValue(record.Size));
+    instance.setProperty(REBOOT_REQUIRED, CIMValue(record.RebootRequired));
+    instance.setProperty(STATUS, CIMValue(record.Status));
+    if (properties == nullptr) {
+        // ODDITY AV-9: a request for all properties goes without the description; it is fetched
+        // only for those who name it.
+        return instance;
+    }
+    for (const String& property : *properties) {
+        if (property == UPDATE_DESCRIPTION) {
+            instance.setProperty(UPDATE_DESCRIPTION, CIMValue(DescriptionOf(record)));
+        }
+    }
+    return instance;
+}
+
+void AvaliableUpdateProvider::SetObjectPathKeys(CIMObjectPath& path, unsigned int index,
+                                                const List& list) const {
+    path.setKeys(
+        CIMPropertyArray(1, ProvPropCreateKey(INSTANCE_ID, CIMValue(list[index].InstanceID))));
+}
+
+void AvaliableUpdateProvider::enumInstanceNames(const ProviderEnvironmentIFCRef&, const String& ns,
+                                                const String& className,
+                                                CIMObjectPathResultHandlerIFC& result,
+                                                const CIMClass&) {
+    const List list = GetCachedList();
+    for (size_t i = 0; i < list.size(); ++i) {
+        CIMObjectPath path(className, ns);
+        SetObjectPathKeys(path, static_cast<unsigned int>(i), list);
+        result.handle(path);
+    }
+}
+
+void AvaliableUpdateProvider::enumInstances(const ProviderEnvironmentIFCRef&, const String&,
+                                            const String&, CIMInstanceResultHandlerIFC& result,
+                                            ELocalOnlyFlag, EDeepFlag, EIncludeQualifiersFlag,
+                                            EIncludeClassOriginFlag, const StringArray* properties,
+                                            const CIMClass&, const CIMClass&) {
+    const List list = GetCachedList();
+    for (size_t i = 0; i < list.size(); ++i) {
+        result.handle(GetInstance(static_cast<int>(i), properties, list));
+    }
+}
+
+CIMInstance AvaliableUpdateProvider::getInstance(const ProviderEnvironmentIFCRef&, const String&,
+                                                 const CIMObjectPath& instanceName, ELocalOnlyFlag,
+                                                 EIncludeQualifiersFlag, EIncludeClassOriginFlag,
+                                                 const StringArray* properties, const CIMClass&) {
+    // ODDITY AV-18: answers from the last enumeration and never asks the tool for the list.
+    const List list = ListSnapshot(gAvaliableList);
+    return GetInstance(GetIndexFromObjectPath(instanceName, list), properties, list);
+}
+
+CIMObjectPath AvaliableUpdateProvider::createInstance(const ProviderEnvironmentIFCRef&,
+                                                      const String&, const CIMInstance&) {
+    OW_THROWCIM(CIMException::NOT_SUPPORTED);
+}
+
+void AvaliableUpdateProvider::deleteInstance(const ProviderEnvironmentIFCRef&, const String&,
+                                             const CIMObjectPath&) {
+    OW_THROWCIM(CIMException::NOT_SUPPORTED);
+}
+
+void AvaliableUpdateProvider::modifyInstance(const ProviderEnvironmentIFCRef&, const String&,
+                                             const CIMInstance&, const CIMInstance&,
+                                             EIncludeQualifiersFlag, const StringArray*,
+                                             const CIMClass&) {
+    OW_THROWCIM(CIMException::NOT_SUPPORTED);
+}

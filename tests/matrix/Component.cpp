@@ -1,0 +1,269 @@
+#include "matrix/Matrix.hpp"
+
+#include <csignal>
+
+namespace matrix {
+
+using test_support::ToolAnswer;
+
+namespace {
+
+const char* const UPDATE = "ZNX_AvailableSoftwareUpdate";
+const char* const COMPONENT = "ZNX_SoftwareUpdateComponent";
+
+const std::string LISTS = "/qv/bin/patchkeeper --components  N V 2>&1";
+
+const std::string A = "ZNX_SoftwareUpdateComponent { InstanceID = string \"0\"; "
+                      "Name = string \"a\"; VersionString = string \"\"; "
+                      "ShortDescription = string \"\"; Install = boolean false; }";
+const std::string B = "ZNX_SoftwareUpdateComponent { InstanceID = string \"1\"; "
+                      "Name = string \"b\"; VersionString = string \"\"; "
+                      "ShortDescription = string \"\"; Install = boolean false; }";
+const std::string C = "ZNX_SoftwareUpdateComponent { InstanceID = string \"2\"; "
+                      "Name = string \"c\"; VersionString = string \"\"; "
+                      "ShortDescription = string \"\"; Install = boolean false; }";
+const std::string B_CHOSEN = "ZNX_SoftwareUpdateComponent { InstanceID = string \"1\"; "
+                             "Name = string \"b\"; VersionString = string \"\"; "
+                             "ShortDescription = string \"\"; Install = boolean true; }";
+
+const std::string NO_NAME = Fails(1, "Failed to parse Name field from /qv/bin/patchkeeper --hist\n"
+                                     "#SWU_Error_ParsingFailed,Name,/qv/bin/patchkeeper --hist#");
+
+using Rows = std::vector<Row>;
+
+std::string Asks(int exitCode) {
+    return "/qv/bin/patchkeeper --errors " + std::to_string(exitCode) + " 2>&1";
+}
+
+OpenWBEM::CIMObjectPath Component(const char* id) {
+    return Path(COMPONENT, "InstanceID", id);
+}
+
+Call Prints(const char* output) {
+    return Plays("--components", ToolAnswer().Output(output));
+}
+
+Call Ends(const char* option, int exitCode) {
+    return Plays(option, ToolAnswer().ExitCode(exitCode));
+}
+
+Call Choose(const char* id, bool install = true) {
+    return Modify(COMPONENT, {{"InstanceID", Text(id)}, {"Install", Flag(install)}});
+}
+
+// What makes an update the one whose components are listed.
+std::vector<Call> Selected(const std::vector<Call>& more = {}) {
+    std::vector<Call> calls = {Enumerate(UPDATE),
+                               Invoke(Path(UPDATE, "InstanceID", "0"), "HasOptionalComponents")};
+    calls.insert(calls.end(), more.begin(), more.end());
+    return calls;
+}
+
+std::vector<Call> Listed(const std::vector<Call>& more = {}) {
+    std::vector<Call> calls = Selected({Enumerate(COMPONENT)});
+    calls.insert(calls.end(), more.begin(), more.end());
+    return calls;
+}
+
+Rows Enumerations() {
+    const Call all = Enumerate(COMPONENT);
+    const Call names = EnumerateNames(COMPONENT);
+    const Call asksOther = Invoke(Path(UPDATE, "InstanceID", "1"), "HasOptionalComponents");
+    const std::string unselected = Fails(1, "Missing Name and/or Version");
+    return {
+        {all, "no update was asked for its components", {}, {}, unselected},
+        {all, "an update was enumerated but not asked", {Enumerate(UPDATE)}, {}, unselected},
+        {all,
+         "an update without a version was asked",
+         {Invoke(Path(UPDATE, "InstanceID", "1"), "HasOptionalComponents")},
+         {},
+         unselected},
+        {all, "three components", Selected(), {LISTS}, A + "\n" + B + "\n" + C},
+        {all,
+         "the update has none",
+         {Enumerate(UPDATE), Ends("--hascomponents", 1),
+          Invoke(Path(UPDATE, "InstanceID", "0"), "HasOptionalComponents"), Prints("")},
+         {LISTS},
+         ""},
+        {all,
+         "the question whether there are any failed",
+         {Enumerate(UPDATE), Ends("--hascomponents", 15),
+          Invoke(Path(UPDATE, "InstanceID", "0"), "HasOptionalComponents")},
+         {LISTS},
+         A + "\n" + B + "\n" + C},
+        {all,
+         "another update was asked since",
+         Selected({asksOther}),
+         {"/qv/bin/patchkeeper --components  M 2.0 2>&1"},
+         A + "\n" + B + "\n" + C},
+        {all, "one was chosen before", Listed({Choose("1")}), {LISTS}, A + "\n" + B + "\n" + C},
+        {Enumerate(COMPONENT, Names({"Name"})),
+         "a property list",
+         Selected(),
+         {LISTS},
+         A + "\n" + B + "\n" + C},
+        {all,
+         "the tool fails",
+         Selected({Ends("--components", 12)}),
+         {LISTS, Asks(12)},
+         ToolFails(12)},
+        {all,
+         "the tool fails and cannot say why",
+         Selected({Ends("--components", 12), Ends("--errors", 3)}),
+         {LISTS, Asks(12)},
+         Fails(1, "SWU_Patchkeeper_SoftwareUpdateFailed")},
+        {all,
+         "the tool is killed",
+         Selected({Plays("--components", ToolAnswer().DiesBySignal(SIGKILL))}),
+         {LISTS, Asks(137)},
+         ToolFails(137)},
+        {all,
+         "there is no tool",
+         Selected({ToolIsGone()}),
+         {},
+         Fails(1, "SWU_Patchkeeper_Unknown")},
+        {all, "an empty line", Selected({Prints("a\n\nb\n")}), {LISTS}, NO_NAME},
+        {all, "further fields", Selected({Prints("a\t1.0\tText\n")}), {LISTS}, A},
+        {names,
+         "three components",
+         Selected(),
+         {LISTS},
+         "/root/cimv2:ZNX_SoftwareUpdateComponent.InstanceID=\"0\"\n"
+         "/root/cimv2:ZNX_SoftwareUpdateComponent.InstanceID=\"1\"\n"
+         "/root/cimv2:ZNX_SoftwareUpdateComponent.InstanceID=\"2\""},
+        {names, "no update was asked for its components", {}, {}, unselected},
+        {names,
+         "the tool fails",
+         Selected({Ends("--components", 12)}),
+         {LISTS, Asks(12)},
+         ToolFails(12)},
+        {names, "an empty line", Selected({Prints("a\n\nb\n")}), {LISTS}, NO_NAME},
+    };
+}
+
+Rows Gets() {
+    return {
+        {Get(Component("0")), "before any enumeration", {}, {}, Fails(6)},
+        {Get(Component("0")), "the update is selected only", Selected(), {}, Fails(6)},
+        {Get(Component("1")), "after an enumeration", Listed(), {}, B},
+        {Get(Component("1")), "it was chosen", Listed({Choose("1")}), {}, B_CHOSEN},
+        {Get(Component("1")),
+         "it was chosen and dropped",
+         Listed({Choose("1"), Choose("1", false)}),
+         {},
+         B},
+        {Get(Component("1")), "another was chosen", Listed({Choose("0")}), {}, B},
+        {Get(Component("1")),
+         "it was chosen before the last enumeration",
+         Listed({Choose("1"), EnumerateNames(COMPONENT)}),
+         {},
+         B},
+        {Get(Component("1"), Names({"Name"})), "a property list", Listed(), {}, B},
+        {Get(Component("0")), "the tool knows others since", Listed({Prints("x\n")}), {}, A},
+        {Get(Component("0")),
+         "the update was asked again since",
+         Listed({Invoke(Path(UPDATE, "InstanceID", "0"), "HasOptionalComponents")}),
+         {},
+         Fails(6)},
+        {Get(Component("0")),
+         "after an enumeration that failed",
+         Listed({Ends("--components", 12), Enumerate(COMPONENT)}),
+         {},
+         Fails(6)},
+        {Get(Component("0")),
+         "after an enumeration that failed at its second line",
+         Selected({Prints("a\n\n"), Enumerate(COMPONENT)}),
+         {},
+         A},
+        {Get(Component("3")), "no such position", Listed(), {}, Fails(6)},
+        {Get(Component("")), "an empty key", Listed(), {}, Fails(6)},
+        {Get(Path(COMPONENT, "InstanceID", Number(0))), "a number as key", Listed(), {}, A},
+        {Get(Path(COMPONENT, "InstanceID", Null())), "a null key", Listed(), {}, Fails(4)},
+        {Get(ClassPath(COMPONENT)), "no key", Listed(), {}, Fails(4)},
+    };
+}
+
+Rows Modifications() {
+    const auto modify = [](const OpenWBEM::CIMValue& id, const OpenWBEM::CIMValue& install) {
+        return Modify(COMPONENT, {{"InstanceID", id}, {"Install", install}});
+    };
+    Rows rows = {
+        {Choose("1"), "before any enumeration", {}, {}, Fails(6)},
+        {Choose("1"), "the update is selected only", Selected(), {}, Fails(6)},
+        {Choose("1"), "after an enumeration", Listed(), {}, ""},
+        {Choose("1"), "it is chosen already", Listed({Choose("1")}), {}, ""},
+        {Choose("1", false), "it is chosen", Listed({Choose("1")}), {}, ""},
+        {Choose("3"), "no such position", Listed(), {}, Fails(6)},
+        {Choose("0"), "there is no tool", Listed({ToolIsGone()}), {}, ""},
+        {modify(Number(1), Flag(true)), "InstanceID is a number", Listed(), {}, ""},
+        {modify(Null(), Flag(true)), "InstanceID is null", Listed(), {}, Fails(4)},
+        {Modify(COMPONENT, {{"Install", Flag(true)}}),
+         "InstanceID is absent",
+         Listed(),
+         {},
+         Fails(4)},
+        {Modify(COMPONENT, {}), "no property", Listed(), {}, Fails(4)},
+        {Modify(COMPONENT, {{"InstanceID", Text("1")}}),
+         "Install is absent",
+         Listed(),
+         {},
+         Fails(6)},
+        {modify(Text("1"), Null()), "Install is null", Listed(), {}, Fails(6)},
+        {modify(Text("1"), Text("true")), "Install is a text", Listed(), {}, Fails(4)},
+        {modify(Text("1"), Text("")), "Install is an empty text", Listed(), {}, Fails(4)},
+        {modify(Text("1"), Number(1)), "Install is a number", Listed(), {}, Fails(4)},
+        {modify(Text("1"), OpenWBEM::CIMValue(OpenWBEM::BoolArray(1, OpenWBEM::Bool(true)))),
+         "Install is an array",
+         Listed(),
+         {},
+         Fails(4)},
+        {modify(Text("3"), Number(1)),
+         "no such position, and Install is a number",
+         Listed(),
+         {},
+         Fails(6)},
+        {Modify(COMPONENT, {{"InstanceID", Text("3")}}),
+         "no such position, and no Install",
+         Listed(),
+         {},
+         Fails(6)},
+    };
+    for (const Hostile& hostile : HostileTexts()) {
+        rows.push_back({modify(Text(hostile.text), Flag(true)),
+                        std::string(hostile.what) + " as InstanceID",
+                        Listed(),
+                        {},
+                        Fails(6)});
+    }
+    return rows;
+}
+
+Rows Refused() {
+    return {
+        {Create(COMPONENT), "always refused", Listed(), {}, Fails(7)},
+        {Delete(Component("0")), "always refused", Listed(), {}, Fails(7)},
+        {Invoke(Component("0"), "Apply"), "any method", Listed(), {}, Fails(17)},
+        {Invoke(Component("9"), "Apply"),
+         "any method on an unknown component",
+         Listed(),
+         {},
+         Fails(17)},
+        {Invoke(ClassPath(COMPONENT), "GetProgress", {Text("x")}),
+         "any method of the class",
+         {},
+         {},
+         Fails(17)},
+    };
+}
+
+} // namespace
+
+std::vector<Row> ComponentRows() {
+    Rows rows = Enumerations();
+    for (const Rows& more : {Gets(), Modifications(), Refused()}) {
+        rows.insert(rows.end(), more.begin(), more.end());
+    }
+    return rows;
+}
+
+} // namespace matrix
