@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr std::size_t longest = 200;
+constexpr std::size_t longest = 400;
 
 // One line of text: what is no printable ASCII as an escape, and long texts cut in the middle.
 std::string OneLine(const std::string& text) {
