@@ -16,8 +16,7 @@ WORK = TREE / "build/mutants"
 COPY = WORK / "tree"
 BUILD = WORK / "build"
 PAGE = TREE / "docs/mutants.md"
-TARGETS = ("provider_tests", "matrix_test")
-TESTS = "^(provider_|matrix_test)"
+EVERYTHING = {"provider_tests": "provider_", "matrix_test": "matrix_test"}
 
 
 def mutants():
@@ -58,7 +57,18 @@ def prepare():
             shutil.copy(TREE / name, target)
     # Without debug information, so that linking the test programs again costs little.
     must("cmake", "-S", COPY, "-B", BUILD, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=None")
-    must("cmake", "--build", BUILD, "--target", *TARGETS)
+    must("cmake", "--build", BUILD, "--target", *EVERYTHING)
+
+
+def programs(file):
+    """Who looks at this file: target and name of its tests. A class's own tests and the matrix are
+    enough for its folder; what all classes share is everybody's."""
+    folder = pathlib.PurePosixPath(file).parts[1]
+    if folder in ("common", "master"):
+        return EVERYTHING
+    listed = (TREE / "tests/provider/CMakeLists.txt").read_text(encoding="utf-8")
+    own = {f"provider_{name}_test" for name in re.findall(rf"\b{folder}/(\w+)", listed)}
+    return {name: name + "/" for name in own | {"matrix_test"}}
 
 
 def first_failure(output):
@@ -66,11 +76,12 @@ def first_failure(output):
     return found.group(1) if found else "a test"
 
 
-def verdict():
-    """Who notices what the copy holds now; None when nobody does."""
-    if run("cmake", "--build", BUILD, "--target", *TARGETS).returncode:
+def verdict(chosen):
+    """Who of the chosen programs notices what the copy holds now; None when nobody does."""
+    if run("cmake", "--build", BUILD, "--target", *chosen).returncode:
         return "the compiler"
-    tests = run("ctest", "--test-dir", BUILD, "-R", TESTS, "-j", "4", "--stop-on-failure")
+    names = f"^({'|'.join(sorted(chosen.values()))})"
+    tests = run("ctest", "--test-dir", BUILD, "-R", names, "-j", "4", "--stop-on-failure")
     return first_failure(tests.stdout) if tests.returncode else None
 
 
@@ -81,7 +92,7 @@ def try_out(file, old, new, number):
         sys.exit(f"mutants.txt:{number}: occurs {text.count(old)} times in {file}: {old}")
     try:
         path.write_text(text.replace(old, new), encoding="utf-8")
-        return verdict()
+        return verdict(programs(file))
     finally:
         path.write_text(text, encoding="utf-8")
 
@@ -110,7 +121,7 @@ def main():
     wanted = sys.argv[1] if len(sys.argv) > 1 else ""
     chosen = [mutant for mutant in mutants() if any(wanted in part for part in mutant[:3])]
     prepare()
-    before = verdict()
+    before = verdict(EVERYTHING)
     if before:
         sys.exit(f"the tests fail before anything is broken: {before}")
     results = []
