@@ -18,6 +18,7 @@ class ActiveTest : public ToolTest {
 protected:
     ActiveTest() {
         setenv("TZ", "UTC", 1);
+        tzset();
         tool.Plays("-l", test_support::ToolAnswer().Output("The long\ntext.\n"));
         tool.Plays("--errors", test_support::ToolAnswer().Output("It failed.\n"));
     }
