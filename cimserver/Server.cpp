@@ -2,7 +2,9 @@
 
 #include "cimserver/cimxml/CimXml.hpp"
 
+#include <climits>
 #include <string_view>
+#include <unistd.h>
 #include <utility>
 
 namespace cimserver {
@@ -33,6 +35,12 @@ host::Settings HostSettings(const Settings& settings, const Configuration& confi
     return result;
 }
 
+OpenWBEM::String HostName() {
+    char name[HOST_NAME_MAX + 1] = {};
+    const bool isNamed = gethostname(name, sizeof name - 1) == 0 && name[0] != '\0';
+    return isNamed ? name : "localhost";
+}
+
 } // namespace
 
 Server::Server(const Settings& settings, const Configuration& configuration,
@@ -43,7 +51,7 @@ Server::Server(const Settings& settings, const Configuration& configuration,
     }
     host_ = std::make_unique<host::Host>(HostSettings(settings, configuration, logger));
     operations_ = std::make_unique<operations::Operations>(
-        schema_, *host_, OpenWBEM::String(settings.nameSpace.c_str()));
+        schema_, *host_, OpenWBEM::String(settings.nameSpace.c_str()), HostName());
     for (const auto& address : addresses_) {
         http::Settings listener;
         listener.address = address;

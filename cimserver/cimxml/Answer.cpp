@@ -14,6 +14,14 @@ Status AnswerStatus() {
              {"CIMOperation", "MethodResponse"}}};
 }
 
+Frame FrameOf(const operations::Call& call) {
+    const bool returnsNothing = std::holds_alternative<operations::SetProperty>(call) ||
+                                std::holds_alternative<operations::ModifyInstance>(call) ||
+                                std::holds_alternative<operations::DeleteInstance>(call) ||
+                                std::holds_alternative<operations::InvokeMethod>(call);
+    return returnsNothing ? Frame::None : Frame::ReturnValue;
+}
+
 Status AnswerCall(const MethodCall& call, const Message& message, operations::Executor& executor,
                   Output& output) {
     const AnswerTo answerTo{call.messageId, call.name, call.isExtrinsic};
@@ -21,7 +29,7 @@ Status AnswerCall(const MethodCall& call, const Message& message, operations::Ex
     try {
         operations::Request request = ReadRequest(call);
         request.user = message.user;
-        writer.Begin();
+        writer.Begin(FrameOf(request.call));
         executor.Execute(request, writer);
         writer.Finish();
     } catch (const OpenWBEM::CIMException& error) {

@@ -1,6 +1,7 @@
 #include "cimserver/cimxml/AnswerWriter.hpp"
 
 #include "cimserver/cimxml/Elements.hpp"
+#include "cimserver/cimxml/Results.hpp"
 #include "cimserver/cimxml/Values.hpp"
 
 namespace cimserver::cimxml {
@@ -11,14 +12,19 @@ AnswerWriter::AnswerWriter(Output& output, const AnswerTo& request)
     : xml_(output), request_(request) {
 }
 
-void AnswerWriter::Begin() {
+void AnswerWriter::Begin(Frame frame) {
+    frame_ = frame;
     OpenEnvelope();
-    xml_.Markup("<IRETURNVALUE>");
+    if (frame_ == Frame::ReturnValue) {
+        xml_.Markup("<IRETURNVALUE>");
+    }
 }
 
 void AnswerWriter::Finish() {
     ThrowEarlierFailure();
-    xml_.Markup("</IRETURNVALUE>");
+    if (frame_ == Frame::ReturnValue) {
+        xml_.Markup("</IRETURNVALUE>");
+    }
     CloseEnvelope();
 }
 
@@ -93,6 +99,33 @@ void AnswerWriter::NamedInstance(const OpenWBEM::CIMObjectPath& path,
 
 void AnswerWriter::InstanceName(const OpenWBEM::CIMObjectPath& path) {
     WriteResult([&] { WriteInstanceName(xml_, path); });
+}
+
+void AnswerWriter::InstanceWithPath(const OpenWBEM::CIMObjectPath& path,
+                                    const OpenWBEM::CIMInstance& instance) {
+    WriteResult([&] { WriteInstanceWithPath(xml_, path, instance); });
+}
+
+void AnswerWriter::ClassWithPath(const OpenWBEM::CIMObjectPath& path,
+                                 const OpenWBEM::CIMClass& cimClass) {
+    WriteResult([&] { WriteClassWithPath(xml_, path, cimClass); });
+}
+
+void AnswerWriter::InstancePath(const OpenWBEM::CIMObjectPath& path) {
+    WriteResult([&] { WriteInstancePath(xml_, path); });
+}
+
+void AnswerWriter::ClassPath(const OpenWBEM::CIMObjectPath& path) {
+    WriteResult([&] { WriteClassPath(xml_, path); });
+}
+
+void AnswerWriter::PropertyValue(const OpenWBEM::CIMValue& value) {
+    WriteResult([&] { WritePropertyValue(xml_, value); });
+}
+
+void AnswerWriter::MethodResult(const OpenWBEM::CIMValue& returnValue,
+                                const OpenWBEM::CIMParamValueArray& out) {
+    WriteResult([&] { WriteMethodResult(xml_, returnValue, out); });
 }
 
 } // namespace cimserver::cimxml

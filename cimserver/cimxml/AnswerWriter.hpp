@@ -16,6 +16,12 @@ struct AnswerTo {
     bool isExtrinsic = false;
 };
 
+/// What stands around the results of a call that succeeds.
+enum class Frame {
+    ReturnValue, ///< IRETURNVALUE
+    None         ///< of operations that return nothing, and of methods
+};
+
 /// Call Begin, hand it to the operation as sink, then Finish; or Fail at any time instead of the
 /// rest. A result that cannot be written throws CIMException to whoever delivers it. Should that be
 /// caught on the way, every later result and Finish throw it again, so that no half element is ever
@@ -24,7 +30,7 @@ class AnswerWriter final : public operations::ResultSink {
 public:
     AnswerWriter(Output& output, const AnswerTo& request);
 
-    void Begin();
+    void Begin(Frame frame);
     void Finish();
     /// Drops what was written; the answer is this error.
     void Fail(const OpenWBEM::CIMException& error);
@@ -35,6 +41,15 @@ public:
     void NamedInstance(const OpenWBEM::CIMObjectPath& path,
                        const OpenWBEM::CIMInstance& instance) override;
     void InstanceName(const OpenWBEM::CIMObjectPath& path) override;
+    void InstanceWithPath(const OpenWBEM::CIMObjectPath& path,
+                          const OpenWBEM::CIMInstance& instance) override;
+    void ClassWithPath(const OpenWBEM::CIMObjectPath& path,
+                       const OpenWBEM::CIMClass& cimClass) override;
+    void InstancePath(const OpenWBEM::CIMObjectPath& path) override;
+    void ClassPath(const OpenWBEM::CIMObjectPath& path) override;
+    void PropertyValue(const OpenWBEM::CIMValue& value) override;
+    void MethodResult(const OpenWBEM::CIMValue& returnValue,
+                      const OpenWBEM::CIMParamValueArray& out) override;
 
 private:
     void OpenEnvelope();
@@ -45,6 +60,7 @@ private:
 
     XmlBuffer xml_;
     const AnswerTo& request_;
+    Frame frame_ = Frame::None;
     std::optional<OpenWBEM::CIMException> failure_;
 };
 

@@ -3,6 +3,9 @@
 #include "cimserver/cimxml/ObjectNames.hpp"
 #include "cimserver/cimxml/Parameters.hpp"
 #include "cimserver/cimxml/ProtocolError.hpp"
+#include "cimserver/cimxml/ReadValues.hpp"
+
+#include <tuple>
 
 namespace cimserver::cimxml {
 
@@ -66,6 +69,84 @@ operations::Call ReadEnumerateInstanceNames(Parameters& parameters) {
     return call;
 }
 
+operations::Call ReadGetProperty(Parameters& parameters) {
+    operations::GetProperty call;
+    call.instanceName = parameters.RequiredInstanceName("InstanceName");
+    call.propertyName = parameters.RequiredText("PropertyName");
+    return call;
+}
+
+operations::Call ReadSetProperty(Parameters& parameters) {
+    operations::SetProperty call;
+    call.instanceName = parameters.RequiredInstanceName("InstanceName");
+    call.propertyName = parameters.RequiredText("PropertyName");
+    parameters.ReadUntyped("NewValue", call.newValue);
+    return call;
+}
+
+operations::Call ReadCreateInstance(Parameters& parameters) {
+    operations::CreateInstance call;
+    call.newInstance = parameters.RequiredInstance("NewInstance");
+    return call;
+}
+
+operations::Call ReadModifyInstance(Parameters& parameters) {
+    operations::ModifyInstance call;
+    std::tie(call.instanceName, call.modifiedInstance) =
+        parameters.RequiredNamedInstance("ModifiedInstance");
+    parameters.ReadFlag("IncludeQualifiers", call.includeQualifiers);
+    parameters.ReadNames("PropertyList", call.properties);
+    return call;
+}
+
+operations::Call ReadDeleteInstance(Parameters& parameters) {
+    operations::DeleteInstance call;
+    call.instanceName = parameters.RequiredInstanceName("InstanceName");
+    return call;
+}
+
+operations::Call ReadAssociators(Parameters& parameters) {
+    operations::Associators call;
+    call.objectName = parameters.RequiredObjectName("ObjectName");
+    parameters.ReadClassName("AssocClass", call.assocClass);
+    parameters.ReadClassName("ResultClass", call.resultClass);
+    parameters.ReadText("Role", call.role);
+    parameters.ReadText("ResultRole", call.resultRole);
+    parameters.ReadFlag("IncludeQualifiers", call.includeQualifiers);
+    parameters.ReadFlag("IncludeClassOrigin", call.includeClassOrigin);
+    parameters.ReadNames("PropertyList", call.properties);
+    return call;
+}
+
+operations::Call ReadAssociatorNames(Parameters& parameters) {
+    operations::AssociatorNames call;
+    call.objectName = parameters.RequiredObjectName("ObjectName");
+    parameters.ReadClassName("AssocClass", call.assocClass);
+    parameters.ReadClassName("ResultClass", call.resultClass);
+    parameters.ReadText("Role", call.role);
+    parameters.ReadText("ResultRole", call.resultRole);
+    return call;
+}
+
+operations::Call ReadReferences(Parameters& parameters) {
+    operations::References call;
+    call.objectName = parameters.RequiredObjectName("ObjectName");
+    parameters.ReadClassName("ResultClass", call.resultClass);
+    parameters.ReadText("Role", call.role);
+    parameters.ReadFlag("IncludeQualifiers", call.includeQualifiers);
+    parameters.ReadFlag("IncludeClassOrigin", call.includeClassOrigin);
+    parameters.ReadNames("PropertyList", call.properties);
+    return call;
+}
+
+operations::Call ReadReferenceNames(Parameters& parameters) {
+    operations::ReferenceNames call;
+    call.objectName = parameters.RequiredObjectName("ObjectName");
+    parameters.ReadClassName("ResultClass", call.resultClass);
+    parameters.ReadText("Role", call.role);
+    return call;
+}
+
 struct Operation {
     const char* name;
     operations::Call (*read)(Parameters&);
@@ -78,6 +159,15 @@ constexpr Operation intrinsicOperations[] = {
     {"GetInstance", &ReadGetInstance},
     {"EnumerateInstances", &ReadEnumerateInstances},
     {"EnumerateInstanceNames", &ReadEnumerateInstanceNames},
+    {"GetProperty", &ReadGetProperty},
+    {"SetProperty", &ReadSetProperty},
+    {"CreateInstance", &ReadCreateInstance},
+    {"ModifyInstance", &ReadModifyInstance},
+    {"DeleteInstance", &ReadDeleteInstance},
+    {"Associators", &ReadAssociators},
+    {"AssociatorNames", &ReadAssociatorNames},
+    {"References", &ReadReferences},
+    {"ReferenceNames", &ReadReferenceNames},
 };
 
 operations::Call ReadIntrinsicCall(const MethodCall& call) {
@@ -93,29 +183,31 @@ operations::Call ReadIntrinsicCall(const MethodCall& call) {
     return operations::OtherOperation{name};
 }
 
-/// An intrinsic call begins with the namespace; an extrinsic one with an object in a namespace.
-const Element& NameSpaceOf(const MethodCall& call) {
-    if (call.element->children.empty()) {
+/// The first child names the namespace of an intrinsic call, the object of an extrinsic one.
+const Element& FirstChild(const Element& call) {
+    if (call.children.empty()) {
         throw NotLooselyValid();
     }
-    const Element& first = call.element->children.front();
-    if (!call.isExtrinsic) {
-        return first;
+    return call.children.front();
+}
+
+operations::Request ReadExtrinsicCall(const MethodCall& call) {
+    operations::InvokeMethod result;
+    result.objectName = ReadLocalPath(FirstChild(*call.element));
+    result.methodName = call.name.c_str();
+    for (std::size_t i = 1; i < call.element->children.size(); ++i) {
+        result.parameters.push_back(ReadParameter(call.element->children[i]));
     }
-    const bool isObject = first.name == "LOCALCLASSPATH" || first.name == "LOCALINSTANCEPATH";
-    if (!isObject || first.children.size() != 2) {
-        throw NotLooselyValid();
-    }
-    return first.children.front();
+    return {result.objectName.getNameSpace(), {}, result};
 }
 
 } // namespace
 
 operations::Request ReadRequest(const MethodCall& call) {
-    String nameSpace = ReadNameSpace(NameSpaceOf(call));
     if (call.isExtrinsic) {
-        return {nameSpace, {}, operations::OtherOperation{String(call.name.c_str())}};
+        return ReadExtrinsicCall(call);
     }
+    const String nameSpace = ReadNameSpace(FirstChild(*call.element));
     return {nameSpace, {}, ReadIntrinsicCall(call)};
 }
 

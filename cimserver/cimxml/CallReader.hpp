@@ -1,4 +1,4 @@
-// From the call of a request to an operation with its parameters (DMTF DSP0200, intrinsic methods).
+// From the call of a request to an operation with its parameters (DMTF DSP0200).
 #pragma once
 
 #include "cimserver/cimxml/MethodCall.hpp"

@@ -94,16 +94,6 @@ CIMValue ReadKeyValue(const String& name, const Element& keyValue) {
     throw NotLooselyValid();
 }
 
-CIMObjectPath ReadObjectName(const Element& element) {
-    if (element.name == "INSTANCENAME") {
-        return ReadInstanceName(element);
-    }
-    if (element.name == "CLASSNAME") {
-        return CIMObjectPath(CIMName(ToString(element.RequiredAttribute("NAME"))));
-    }
-    throw NotLooselyValid();
-}
-
 CIMObjectPath ReadLocalPath(const Element& nameSpacePath, const Element& objectName) {
     if (nameSpacePath.name != "LOCALNAMESPACEPATH") {
         throw NotLooselyValid();
@@ -121,19 +111,6 @@ CIMObjectPath ReadFullPath(const Element& nameSpacePath, const Element& objectNa
     CIMObjectPath path = ReadLocalPath(nameSpacePath.children[1], objectName);
     path.setHost(ToString(Trimmed(nameSpacePath.children[0].text)));
     return path;
-}
-
-CIMObjectPath ReadReference(const Element& valueReference) {
-    const Element& path = valueReference.OnlyChild();
-    const bool isLocal = path.name == "LOCALINSTANCEPATH" || path.name == "LOCALCLASSPATH";
-    if (!isLocal && path.name != "INSTANCEPATH" && path.name != "CLASSPATH") {
-        return ReadObjectName(path);
-    }
-    if (path.children.size() != 2) {
-        throw NotLooselyValid();
-    }
-    return isLocal ? ReadLocalPath(path.children[0], path.children[1])
-                   : ReadFullPath(path.children[0], path.children[1]);
 }
 
 CIMProperty ReadKey(const String& name, const Element& value) {
@@ -187,6 +164,39 @@ CIMObjectPath ReadInstanceName(const Element& instanceName) {
     }
     path.setKeys(keys);
     return path;
+}
+
+CIMObjectPath ReadObjectName(const Element& element) {
+    if (element.name == "INSTANCENAME") {
+        return ReadInstanceName(element);
+    }
+    if (element.name == "CLASSNAME") {
+        return CIMObjectPath(CIMName(ToString(element.RequiredAttribute("NAME"))));
+    }
+    throw NotLooselyValid();
+}
+
+CIMObjectPath ReadLocalPath(const Element& path) {
+    const bool isLocal = path.name == "LOCALINSTANCEPATH" || path.name == "LOCALCLASSPATH";
+    if (!isLocal || path.children.size() != 2) {
+        throw NotLooselyValid();
+    }
+    return ReadLocalPath(path.children[0], path.children[1]);
+}
+
+CIMObjectPath ReadReference(const Element& valueReference) {
+    const Element& path = valueReference.OnlyChild();
+    const bool isLocal = path.name == "LOCALINSTANCEPATH" || path.name == "LOCALCLASSPATH";
+    if (!isLocal && path.name != "INSTANCEPATH" && path.name != "CLASSPATH") {
+        return ReadObjectName(path);
+    }
+    if (isLocal) {
+        return ReadLocalPath(path);
+    }
+    if (path.children.size() != 2) {
+        throw NotLooselyValid();
+    }
+    return ReadFullPath(path.children[0], path.children[1]);
 }
 
 } // namespace cimserver::cimxml

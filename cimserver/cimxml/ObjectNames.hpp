@@ -17,4 +17,13 @@ OpenWBEM::String ReadNameSpace(const Element& localNameSpacePath);
 /// bindings has an empty name.
 OpenWBEM::CIMObjectPath ReadInstanceName(const Element& instanceName);
 
+/// An INSTANCENAME or a CLASSNAME.
+OpenWBEM::CIMObjectPath ReadObjectName(const Element& element);
+
+/// A LOCALINSTANCEPATH or a LOCALCLASSPATH.
+OpenWBEM::CIMObjectPath ReadLocalPath(const Element& path);
+
+/// The path within a VALUE.REFERENCE, which may be of any form.
+OpenWBEM::CIMObjectPath ReadReference(const Element& valueReference);
+
 } // namespace cimserver::cimxml

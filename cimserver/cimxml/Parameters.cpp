@@ -2,6 +2,7 @@
 
 #include "cimserver/cimxml/ObjectNames.hpp"
 #include "cimserver/cimxml/ProtocolError.hpp"
+#include "cimserver/cimxml/ReadValues.hpp"
 
 namespace cimserver::cimxml {
 
@@ -99,15 +100,74 @@ String Parameters::RequiredClassName(const char* name) {
     return className;
 }
 
-CIMObjectPath Parameters::RequiredInstanceName(const char* name) {
+void Parameters::ReadText(const char* name, String& text) {
+    const Element* value = ValueOf(name);
+    if (value == nullptr) {
+        return;
+    }
+    if (value->name != "VALUE") {
+        Refuse(String("Parameter ") + name + " is no text");
+    }
+    text = ToString(value->text);
+}
+
+void Parameters::ReadUntyped(const char* name, CIMValue& value) {
+    if (const Element* element = ValueOf(name)) {
+        value = ReadValue(*element, CIMDataType::STRING, String("Parameter ") + name);
+    }
+}
+
+const Element& Parameters::RequiredValueOf(const char* name) {
     const Element* value = ValueOf(name);
     if (value == nullptr) {
         RefuseMissing(name);
     }
-    if (value->name != "INSTANCENAME") {
+    return *value;
+}
+
+CIMObjectPath Parameters::RequiredInstanceName(const char* name) {
+    const Element& value = RequiredValueOf(name);
+    if (value.name != "INSTANCENAME") {
         Refuse(String("Parameter ") + name + " is no instance name");
     }
-    return ReadInstanceName(*value);
+    return ReadInstanceName(value);
+}
+
+CIMObjectPath Parameters::RequiredObjectName(const char* name) {
+    const Element& value = RequiredValueOf(name);
+    if (value.name != "INSTANCENAME" && value.name != "CLASSNAME") {
+        Refuse(String("Parameter ") + name + " is no object name");
+    }
+    return ReadObjectName(value);
+}
+
+String Parameters::RequiredText(const char* name) {
+    String text;
+    ReadText(name, text);
+    if (text.empty()) {
+        RefuseMissing(name);
+    }
+    return text;
+}
+
+CIMInstance Parameters::RequiredInstance(const char* name) {
+    const Element& value = RequiredValueOf(name);
+    if (value.name != "INSTANCE") {
+        Refuse(String("Parameter ") + name + " is no instance");
+    }
+    return ReadInstance(value);
+}
+
+std::pair<CIMObjectPath, CIMInstance> Parameters::RequiredNamedInstance(const char* name) {
+    const Element& value = RequiredValueOf(name);
+    if (value.name != "VALUE.NAMEDINSTANCE") {
+        Refuse(String("Parameter ") + name + " is no instance with its name");
+    }
+    if (value.children.size() != 2 || value.children[0].name != "INSTANCENAME" ||
+        value.children[1].name != "INSTANCE") {
+        throw NotLooselyValid();
+    }
+    return {ReadInstanceName(value.children[0]), ReadInstance(value.children[1])};
 }
 
 void Parameters::ExpectAllRead() const {

@@ -63,7 +63,11 @@ void WriteText(XmlBuffer& xml, Integer value) {
     xml.Number(value);
 }
 
-void WriteNameSpacePath(XmlBuffer& xml, const String& nameSpace) {
+void WriteLocalNameSpacePath(XmlBuffer& xml, const CIMObjectPath& path) {
+    const String nameSpace = path.getNameSpace();
+    if (nameSpace.empty()) {
+        OW_THROWCIMMSG(CIMException::FAILED, "Namespace not set");
+    }
     xml.Markup("<LOCALNAMESPACEPATH>");
     std::string_view rest = View(nameSpace);
     while (!rest.empty()) {
@@ -85,24 +89,17 @@ void WriteObjectName(XmlBuffer& xml, const CIMObjectPath& path) {
 }
 
 void WriteText(XmlBuffer& xml, const CIMObjectPath& path) {
-    if (path.getNameSpace().empty()) {
-        OW_THROWCIMMSG(CIMException::FAILED, "Namespace not set");
-    }
     const bool isClass = path.isClassPath();
     const bool isLocal = path.getHost().empty();
     if (isLocal) {
         xml.Markup(isClass ? "<LOCALCLASSPATH>" : "<LOCALINSTANCEPATH>");
-        WriteNameSpacePath(xml, path.getNameSpace());
+        WriteLocalNameSpacePath(xml, path);
         WriteObjectName(xml, path);
         xml.Markup(isClass ? "</LOCALCLASSPATH>" : "</LOCALINSTANCEPATH>");
         return;
     }
     xml.Markup(isClass ? "<CLASSPATH>" : "<INSTANCEPATH>");
-    xml.Markup("<NAMESPACEPATH><HOST>");
-    xml.Text(View(path.getHost()));
-    xml.Markup("</HOST>");
-    WriteNameSpacePath(xml, path.getNameSpace());
-    xml.Markup("</NAMESPACEPATH>");
+    WriteNameSpacePath(xml, path);
     WriteObjectName(xml, path);
     xml.Markup(isClass ? "</CLASSPATH>" : "</INSTANCEPATH>");
 }
@@ -280,6 +277,14 @@ void WriteInstanceName(XmlBuffer& xml, const CIMObjectPath& path) {
         WriteKeyBinding(xml, key);
     }
     xml.Markup("</INSTANCENAME>");
+}
+
+void WriteNameSpacePath(XmlBuffer& xml, const CIMObjectPath& path) {
+    xml.Markup("<NAMESPACEPATH><HOST>");
+    xml.Text(View(path.getHost()));
+    xml.Markup("</HOST>");
+    WriteLocalNameSpacePath(xml, path);
+    xml.Markup("</NAMESPACEPATH>");
 }
 
 } // namespace cimserver::cimxml

@@ -41,4 +41,7 @@ void WriteClassName(XmlBuffer& xml, const OpenWBEM::String& name);
 /// INSTANCENAME with the path's class name and keys.
 void WriteInstanceName(XmlBuffer& xml, const OpenWBEM::CIMObjectPath& path);
 
+/// NAMESPACEPATH with the path's host and namespace.
+void WriteNameSpacePath(XmlBuffer& xml, const OpenWBEM::CIMObjectPath& path);
+
 } // namespace cimserver::cimxml

@@ -52,6 +52,13 @@ struct Host::State {
         return OpenWBEM::ProviderEnvironmentIFCRef(new Environment(settings, user));
     }
     void KeepHouse(const std::stop_token& stop);
+    /// Runs `use` with the provider of that id; false when no library yields it.
+    bool EnterLibrary(const std::string& id, const CallInfo& info,
+                      const std::function<void(OpenWBEM::CppProviderBaseIFC&,
+                                               const OpenWBEM::ProviderEnvironmentIFCRef&)>& use);
+    void LogMissing(const std::string& id, const char* what) const {
+        log->logError(OpenWBEM::String(("provider " + id + " serves no " + what).c_str()));
+    }
 
     // In the order of life: the thread ends first, then the providers.
     const std::shared_ptr<const Settings> settings;
@@ -75,6 +82,15 @@ void Host::State::KeepHouse(const std::stop_token& stop) {
     }
 }
 
+bool Host::State::EnterLibrary(
+    const std::string& id, const CallInfo& info,
+    const std::function<void(OpenWBEM::CppProviderBaseIFC&,
+                             const OpenWBEM::ProviderEnvironmentIFCRef&)>& use) {
+    const OpenSignalMask mask;
+    const auto env = EnvironmentFor(info.user);
+    return store.With(id, env, [&](OpenWBEM::CppProviderBaseIFC& provider) { use(provider, env); });
+}
+
 Host::Host(Settings settings) : state_(std::make_unique<State>(std::move(settings))) {
     State& state = *state_;
     StartUp(state.store, state.registry, state.log, state.EnvironmentFor({}))
@@ -89,25 +105,61 @@ Host::~Host() = default;
 
 bool Host::WithInstanceProvider(const Target& target, const CallInfo& info,
                                 const InstanceCall& call) {
-    const auto id = state_->registry.Choose(target, *state_->log);
+    const auto id = state_->registry.ChooseForInstances(target, *state_->log);
     if (!id) {
         return false;
     }
-    const OpenSignalMask mask;
-    const auto env = state_->EnvironmentFor(info.user);
-    const auto use = [&](OpenWBEM::CppProviderBaseIFC& provider) {
+    const auto use = [&](OpenWBEM::CppProviderBaseIFC& provider, const auto& env) {
         auto* instances = provider.getInstanceProvider();
         if (instances == nullptr) {
-            state_->log->logError(
-                OpenWBEM::String(("provider " + *id + " serves no instances").c_str()));
+            state_->LogMissing(*id, "instances");
             RefuseProvider(*id);
         }
         call(*instances, env);
     };
-    if (!state_->store.With(*id, env, use)) {
+    if (!state_->EnterLibrary(*id, info, use)) {
         RefuseProvider(*id);
     }
     return true;
+}
+
+bool Host::WithAssociatorProvider(const Target& target, const CallInfo& info,
+                                  const AssociatorCall& call) {
+    const auto id = state_->registry.ChooseForAssociations(target, *state_->log);
+    if (!id) {
+        return false;
+    }
+    bool isServed = false;
+    const auto use = [&](OpenWBEM::CppProviderBaseIFC& provider, const auto& env) {
+        auto* associations = provider.getAssociatorProvider();
+        isServed = associations != nullptr;
+        if (isServed) {
+            call(*associations, env);
+        }
+    };
+    if (!state_->EnterLibrary(*id, info, use)) {
+        RefuseProvider(*id);
+    }
+    return isServed;
+}
+
+bool Host::WithMethodProvider(const Target& target, const OpenWBEM::String& methodName,
+                              const CallInfo& info, const MethodCall& call) {
+    const auto id = state_->registry.ChooseForMethod(target, methodName, *state_->log);
+    if (!id) {
+        return false;
+    }
+    bool isServed = false;
+    const auto use = [&](OpenWBEM::CppProviderBaseIFC& provider, const auto& env) {
+        auto* methods = provider.getMethodProvider();
+        isServed = methods != nullptr;
+        if (!isServed) {
+            state_->LogMissing(*id, "methods");
+            return;
+        }
+        call(*methods, env);
+    };
+    return state_->EnterLibrary(*id, info, use) && isServed;
 }
 
 } // namespace cimserver::host

@@ -2,7 +2,9 @@
 // call at a time into each library, and drops what has been idle. Knows nothing of CIM operations.
 #pragma once
 
+#include "OW_CppAssociatorProviderIFC.hpp"
 #include "OW_CppInstanceProviderIFC.hpp"
+#include "OW_CppMethodProviderIFC.hpp"
 #include "OW_Logger.hpp"
 #include "OW_ProviderEnvironmentIFC.hpp"
 
@@ -15,8 +17,8 @@
 
 namespace cimserver::host {
 
-/// What names the provider of a class: the class itself and the text of its Provider qualifier
-/// (empty: none).
+/// What names the provider of a class or of one of its methods: the class itself and the text of
+/// the Provider qualifier that counts (empty: none).
 struct Target {
     OpenWBEM::String nameSpace;
     OpenWBEM::String className;
@@ -31,6 +33,10 @@ struct CallInfo {
 
 using InstanceCall = std::function<void(OpenWBEM::CppInstanceProviderIFC&,
                                         const OpenWBEM::ProviderEnvironmentIFCRef&)>;
+using MethodCall = std::function<void(OpenWBEM::CppMethodProviderIFC&,
+                                      const OpenWBEM::ProviderEnvironmentIFCRef&)>;
+using AssociatorCall = std::function<void(OpenWBEM::CppAssociatorProviderIFC&,
+                                          const OpenWBEM::ProviderEnvironmentIFCRef&)>;
 
 /// To be called while an exception is handled: throws what a client is told of it, as a
 /// CIMException that holds nothing of the library that threw. A CIMException keeps its number and
@@ -49,6 +55,14 @@ public:
     /// `Invalid provider: ID`.
     virtual bool WithInstanceProvider(const Target& target, const CallInfo& info,
                                       const InstanceCall& call) = 0;
+    /// The same with the provider of an association class. False also when the provider serves no
+    /// associations.
+    virtual bool WithAssociatorProvider(const Target& target, const CallInfo& info,
+                                        const AssociatorCall& call) = 0;
+    /// The same with the provider of the target's method of that name. False also when the library
+    /// is missing or refused or the provider serves no methods.
+    virtual bool WithMethodProvider(const Target& target, const OpenWBEM::String& methodName,
+                                    const CallInfo& info, const MethodCall& call) = 0;
 };
 
 struct Settings {
@@ -73,6 +87,10 @@ public:
 
     bool WithInstanceProvider(const Target& target, const CallInfo& info,
                               const InstanceCall& call) override;
+    bool WithAssociatorProvider(const Target& target, const CallInfo& info,
+                                const AssociatorCall& call) override;
+    bool WithMethodProvider(const Target& target, const OpenWBEM::String& methodName,
+                            const CallInfo& info, const MethodCall& call) override;
 
 private:
     struct State;

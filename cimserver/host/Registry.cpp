@@ -31,33 +31,75 @@ std::optional<std::string> IdOf(const OpenWBEM::String& qualifier) {
     return text.substr(colon + (isDouble ? 2 : 1));
 }
 
+std::string ClassKey(const Target& target) {
+    return Folded(target.className);
+}
+
+std::string ClassKeyInNameSpace(const Target& target) {
+    return Folded(target.nameSpace) + ":" + Folded(target.className);
+}
+
 } // namespace
 
-void Registry::Add(const std::string& id, const OpenWBEM::InstanceProviderInfo& info,
-                   const OpenWBEM::Logger& log) {
-    const auto add = [&](const std::string& key) {
-        const auto [taken, isNew] = instances_.try_emplace(key, id);
-        if (!isNew) {
-            log.logError(Text("provider " + id + " registers " + key + ", which provider " +
-                              taken->second + " serves already"));
-        }
-    };
+void Registry::Register(Table& table, const std::string& key, const std::string& id,
+                        const OpenWBEM::Logger& log) {
+    const auto [taken, isNew] = table.try_emplace(key, id);
+    if (!isNew) {
+        log.logError(Text("provider " + id + " registers " + key + ", which provider " +
+                          taken->second + " serves already"));
+    }
+}
+
+template <class Info>
+void Registry::RegisterClasses(Table& table, const std::string& id, const Info& info,
+                               const OpenWBEM::Logger& log) {
     for (const auto& entry : info.getClassInfo()) {
         if (entry.namespaces.empty()) {
-            add(Folded(entry.className));
+            Register(table, Folded(entry.className), id, log);
         }
         for (const auto& nameSpace : entry.namespaces) {
-            add(Folded(nameSpace) + ":" + Folded(entry.className));
+            Register(table, Folded(nameSpace) + ":" + Folded(entry.className), id, log);
         }
     }
 }
 
-std::optional<std::string> Registry::Choose(const Target& target,
-                                            const OpenWBEM::Logger& log) const {
-    const std::string name = Folded(target.className);
-    for (const auto& key : {name, Folded(target.nameSpace) + ":" + name}) {
-        const auto found = instances_.find(key);
-        if (found != instances_.end()) {
+void Registry::Add(const std::string& id, const OpenWBEM::InstanceProviderInfo& info,
+                   const OpenWBEM::Logger& log) {
+    RegisterClasses(instances_, id, info, log);
+}
+
+void Registry::Add(const std::string& id, const OpenWBEM::AssociatorProviderInfo& info,
+                   const OpenWBEM::Logger& log) {
+    RegisterClasses(associations_, id, info, log);
+}
+
+void Registry::Add(const std::string& id, const OpenWBEM::MethodProviderInfo& info,
+                   const OpenWBEM::Logger& log) {
+    for (const auto& entry : info.getClassInfo()) {
+        std::vector<std::string> classes;
+        for (const auto& nameSpace : entry.namespaces) {
+            classes.push_back(Folded(nameSpace) + ":" + Folded(entry.className));
+        }
+        if (classes.empty()) {
+            classes.push_back(Folded(entry.className));
+        }
+        for (const auto& key : classes) {
+            if (entry.methods.empty()) {
+                Register(methods_, key, id, log);
+            }
+            for (const auto& method : entry.methods) {
+                Register(methods_, key + "/" + Folded(method), id, log);
+            }
+        }
+    }
+}
+
+std::optional<std::string> Registry::Choose(const Table& table,
+                                            const std::vector<std::string>& keys,
+                                            const Target& target, const OpenWBEM::Logger& log) {
+    for (const auto& key : keys) {
+        const auto found = table.find(key);
+        if (found != table.end()) {
             return found->second;
         }
     }
@@ -70,6 +112,25 @@ std::optional<std::string> Registry::Choose(const Target& target,
                      target.providerQualifier + "` names no C++ provider (c++::ID)");
     }
     return id;
+}
+
+std::optional<std::string> Registry::ChooseForInstances(const Target& target,
+                                                        const OpenWBEM::Logger& log) const {
+    return Choose(instances_, {ClassKey(target), ClassKeyInNameSpace(target)}, target, log);
+}
+
+std::optional<std::string> Registry::ChooseForAssociations(const Target& target,
+                                                           const OpenWBEM::Logger& log) const {
+    return Choose(associations_, {ClassKey(target), ClassKeyInNameSpace(target)}, target, log);
+}
+
+std::optional<std::string> Registry::ChooseForMethod(const Target& target,
+                                                     const OpenWBEM::String& methodName,
+                                                     const OpenWBEM::Logger& log) const {
+    const std::string method = "/" + Folded(methodName);
+    const std::string everywhere = ClassKey(target);
+    const std::string here = ClassKeyInNameSpace(target);
+    return Choose(methods_, {everywhere, everywhere + method, here, here + method}, target, log);
 }
 
 } // namespace cimserver::host

@@ -102,8 +102,8 @@ void StartUp::InspectObject(const std::string& id, Store::Opened opened) {
     }
 }
 
-// Every interface is asked for, so that a provider sees the calls it knows; only instance providers
-// are given requests.
+// Every interface is asked for, so that a provider sees the calls it knows, also those that are
+// given no requests.
 void StartUp::AskForClasses(const std::string& id, OpenWBEM::CppProviderBaseIFC& object) {
     if (auto* instances = object.getInstanceProvider()) {
         OpenWBEM::InstanceProviderInfo info;
@@ -116,11 +116,13 @@ void StartUp::AskForClasses(const std::string& id, OpenWBEM::CppProviderBaseIFC&
         OpenWBEM::AssociatorProviderInfo info;
         info.setProviderName(Text(id));
         associations->getAssociatorProviderInfo(info);
+        registry_.Add(id, info, *log_);
     }
     if (auto* methods = object.getMethodProvider()) {
         OpenWBEM::MethodProviderInfo info;
         info.setProviderName(Text(id));
         methods->getMethodProviderInfo(info);
+        registry_.Add(id, info, *log_);
     }
     object.getIndicationProvider();
 }

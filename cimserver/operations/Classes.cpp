@@ -2,8 +2,6 @@
 
 #include "cimserver/operations/Flags.hpp"
 
-#include "OW_CIMException.hpp"
-
 #include <vector>
 
 namespace cimserver::operations {
@@ -23,11 +21,12 @@ std::vector<const OpenWBEM::CIMClass*> Below(const mof::Schema& schema,
 } // namespace
 
 const OpenWBEM::CIMClass& FindClass(const mof::Schema& schema, const OpenWBEM::String& nameSpace,
-                                    const OpenWBEM::String& name) {
+                                    const OpenWBEM::String& name,
+                                    OpenWBEM::CIMException::ErrNoType whenUnknown) {
     const auto* found = schema.FindClass(name);
     if (found == nullptr) {
         const OpenWBEM::String path = OpenWBEM::String("/") + nameSpace + ":" + name;
-        OW_THROWCIMMSG(OpenWBEM::CIMException::INVALID_CLASS, path.c_str());
+        OW_THROWCIMMSG(whenUnknown, path.c_str());
     }
     return *found;
 }

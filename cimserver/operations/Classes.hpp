@@ -4,12 +4,16 @@
 #include "cimserver/mof/Mof.hpp"
 #include "cimserver/operations/Operations.hpp"
 
+#include "OW_CIMException.hpp"
+
 namespace cimserver::operations {
 
-/// Throws CIMException INVALID_CLASS, with the path of the class as text, when there is none of
-/// that name.
-const OpenWBEM::CIMClass& FindClass(const mof::Schema& schema, const OpenWBEM::String& nameSpace,
-                                    const OpenWBEM::String& name);
+/// Throws CIMException with that number, and with the path of the class as text, when there is none
+/// of that name.
+const OpenWBEM::CIMClass&
+FindClass(const mof::Schema& schema, const OpenWBEM::String& nameSpace,
+          const OpenWBEM::String& name,
+          OpenWBEM::CIMException::ErrNoType whenUnknown = OpenWBEM::CIMException::INVALID_CLASS);
 
 void Carry(const GetClass& call, const mof::Schema& schema, const OpenWBEM::String& nameSpace,
            ResultSink& sink);

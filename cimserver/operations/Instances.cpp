@@ -2,9 +2,8 @@
 
 #include "cimserver/operations/Classes.hpp"
 #include "cimserver/operations/Flags.hpp"
+#include "cimserver/operations/Providers.hpp"
 
-#include "OW_CIMException.hpp"
-#include "OW_CIMValue.hpp"
 #include "OW_CppInstanceProviderIFC.hpp"
 #include "OW_ResultHandlerIFC.hpp"
 
@@ -16,7 +15,6 @@ namespace cimserver::operations {
 namespace {
 
 using OpenWBEM::CIMClass;
-using OpenWBEM::CIMException;
 using OpenWBEM::CIMInstance;
 using OpenWBEM::CIMObjectPath;
 
@@ -46,24 +44,6 @@ private:
     ResultSink& sink_;
 };
 
-host::Target TargetOf(const CIMClass& cimClass, const OpenWBEM::String& nameSpace) {
-    host::Target target{nameSpace, cimClass.getName(), {}};
-    const auto qualifier = cimClass.getQualifier(OpenWBEM::CIMQualifier::CIM_QUAL_PROVIDER);
-    if (qualifier) {
-        const auto value = qualifier.getValue();
-        if (value && !value.isArray() && value.getType() == OpenWBEM::CIMDataType::STRING) {
-            value.get(target.providerQualifier);
-        }
-    }
-    return target;
-}
-
-bool Ask(const CIMClass& cimClass, const Surroundings& around, const char* operation,
-         const host::InstanceCall& call) {
-    return around.providers.WithInstanceProvider(TargetOf(cimClass, around.nameSpace),
-                                                 {operation, around.user}, call);
-}
-
 using ClassCall = std::function<void(OpenWBEM::CppInstanceProviderIFC&,
                                      const OpenWBEM::ProviderEnvironmentIFCRef&,
                                      const CIMClass& requestedClass, const CIMClass& cimClass)>;
@@ -76,19 +56,10 @@ void AskAll(const OpenWBEM::String& className, const Surroundings& around, const
     const auto below = around.schema.Subclasses(requested.getName(), true);
     classes.insert(classes.end(), below.begin(), below.end());
     for (const auto* cimClass : classes) {
-        Ask(*cimClass, around, operation,
-            [&](auto& provider, const auto& env) { call(provider, env, requested, *cimClass); });
+        AskProvider(*cimClass, around, operation, [&](auto& provider, const auto& env) {
+            call(provider, env, requested, *cimClass);
+        });
     }
-}
-
-void Deliver(const CIMInstance& instance, ResultSink& sink) {
-    if (!instance) {
-        OW_THROWCIMMSG(CIMException::FAILED, "Provider erroneously returned a NULL CIMInstance");
-    }
-    if (instance.getClassName().empty()) {
-        OW_THROWCIMMSG(CIMException::FAILED, "instance has no class name");
-    }
-    sink.Instance(instance);
 }
 
 } // namespace
@@ -117,22 +88,30 @@ void Carry(const EnumerateInstanceNames& call, const Surroundings& around, Resul
 void Carry(const GetInstance& call, const Surroundings& around, ResultSink& sink) {
     const auto& cimClass =
         FindClass(around.schema, around.nameSpace, call.instanceName.getClassName());
-    // The provider sees the class name as the client wrote it and no namespace.
-    CIMObjectPath path = call.instanceName;
-    path.setNameSpace("");
-    path.syncWithClass(cimClass);
-    const bool hasProvider =
-        Ask(cimClass, around, "GetInstance", [&](auto& provider, const auto& env) {
-            Deliver(provider.getInstance(env, around.nameSpace, path, LocalOnly(call.localOnly),
-                                         IncludeQualifiers(call.includeQualifiers),
-                                         IncludeClassOrigin(call.includeClassOrigin),
-                                         Pointer(call.properties), cimClass),
-                    sink);
-        });
-    if (!hasProvider) {
-        path.setNameSpace(around.nameSpace);
-        OW_THROWCIMMSG(CIMException::NOT_FOUND, path.toString().c_str());
-    }
+    const auto path = PathFromClient(call.instanceName, cimClass);
+    AskProviderOf(path, cimClass, around, "GetInstance", [&](auto& provider, const auto& env) {
+        const auto instance = provider.getInstance(
+            env, around.nameSpace, path, LocalOnly(call.localOnly),
+            IncludeQualifiers(call.includeQualifiers), IncludeClassOrigin(call.includeClassOrigin),
+            Pointer(call.properties), cimClass);
+        CheckNamed(instance);
+        sink.Instance(instance);
+    });
+}
+
+void Carry(const GetProperty& call, const Surroundings& around, ResultSink& sink) {
+    const auto& cimClass =
+        FindClass(around.schema, around.nameSpace, call.instanceName.getClassName());
+    const auto path = PathFromClient(call.instanceName, cimClass);
+    const OpenWBEM::StringArray list(1, call.propertyName);
+    AskProviderOf(path, cimClass, around, "GetProperty", [&](auto& provider, const auto& env) {
+        const auto instance = provider.getInstance(env, around.nameSpace, path, LocalOnly(false),
+                                                   IncludeQualifiers(false),
+                                                   IncludeClassOrigin(false), &list, cimClass);
+        CheckNamed(instance);
+        FindProperty(cimClass, call.propertyName);
+        sink.PropertyValue(instance.getPropertyValue(call.propertyName));
+    });
 }
 
 } // namespace cimserver::operations

@@ -1,21 +1,10 @@
-// The operations on instances, answered by providers.
+// The operations that read instances, answered by providers.
 #pragma once
 
-#include "cimserver/host/Host.hpp"
-#include "cimserver/mof/Mof.hpp"
 #include "cimserver/operations/Operations.hpp"
-
-#include <string>
+#include "cimserver/operations/Surroundings.hpp"
 
 namespace cimserver::operations {
-
-/// What an operation works on, for the time of one call.
-struct Surroundings {
-    const mof::Schema& schema;
-    host::ProviderSource& providers;
-    OpenWBEM::String nameSpace; ///< without leading slash
-    std::string user;
-};
 
 // What a provider is given and what becomes of its results is the real server's way: the
 // enumerations name the class as it is declared, call the providers of all subclasses too, and
@@ -23,5 +12,8 @@ struct Surroundings {
 void Carry(const GetInstance& call, const Surroundings& around, ResultSink& sink);
 void Carry(const EnumerateInstances& call, const Surroundings& around, ResultSink& sink);
 void Carry(const EnumerateInstanceNames& call, const Surroundings& around, ResultSink& sink);
+/// The provider is asked for the instance with a list of this one property. What the class declares
+/// and the instance lacks is null.
+void Carry(const GetProperty& call, const Surroundings& around, ResultSink& sink);
 
 } // namespace cimserver::operations

@@ -2,8 +2,11 @@
 
 #include "cimserver/host/Host.hpp"
 #include "cimserver/mof/Mof.hpp"
+#include "cimserver/operations/Associations.hpp"
+#include "cimserver/operations/Changes.hpp"
 #include "cimserver/operations/Classes.hpp"
 #include "cimserver/operations/Instances.hpp"
+#include "cimserver/operations/Methods.hpp"
 
 #include "OW_CIMException.hpp"
 
@@ -41,15 +44,16 @@ void CheckNameSpace(const OpenWBEM::String& asked, const OpenWBEM::String& serve
 } // namespace
 
 Operations::Operations(const mof::Schema& schema, host::ProviderSource& providers,
-                       OpenWBEM::String nameSpace)
-    : schema_(schema), providers_(providers), nameSpace_(WithoutSlashes(std::move(nameSpace))) {
+                       OpenWBEM::String nameSpace, OpenWBEM::String hostName)
+    : schema_(schema), providers_(providers), nameSpace_(WithoutSlashes(std::move(nameSpace))),
+      hostName_(std::move(hostName)) {
 }
 
 // Of several faults the standard's order counts: operation, namespace, parameters, class.
 void Operations::Execute(const Request& request, ResultSink& sink) {
     try {
         CheckSupported(request.call);
-        const Surroundings around{schema_, providers_, WithoutSlashes(request.nameSpace),
+        const Surroundings around{schema_, providers_, WithoutSlashes(request.nameSpace), hostName_,
                                   request.user};
         CheckNameSpace(around.nameSpace, nameSpace_);
         std::visit(

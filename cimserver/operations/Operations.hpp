@@ -58,13 +58,76 @@ struct EnumerateInstances {
 struct EnumerateInstanceNames {
     OpenWBEM::String className;
 };
-/// Any other operation, intrinsic or extrinsic; answered with CIM_ERR_NOT_SUPPORTED.
+struct GetProperty {
+    OpenWBEM::CIMObjectPath instanceName;
+    OpenWBEM::String propertyName;
+};
+struct SetProperty {
+    OpenWBEM::CIMObjectPath instanceName;
+    OpenWBEM::String propertyName;
+    OpenWBEM::CIMValue newValue = OpenWBEM::CIMValue(OpenWBEM::CIMNULL); ///< of any type
+};
+struct CreateInstance {
+    OpenWBEM::CIMInstance newInstance;
+};
+struct ModifyInstance {
+    OpenWBEM::CIMObjectPath instanceName;
+    OpenWBEM::CIMInstance modifiedInstance;
+    bool includeQualifiers = true;
+    PropertyList properties = std::nullopt;
+};
+struct DeleteInstance {
+    OpenWBEM::CIMObjectPath instanceName;
+};
+// In these four an empty text is one that the client left out. The object is an instance, or a
+// class when its name holds no keys.
+struct Associators {
+    OpenWBEM::CIMObjectPath objectName;
+    OpenWBEM::String assocClass = {};
+    OpenWBEM::String resultClass = {};
+    OpenWBEM::String role = {};
+    OpenWBEM::String resultRole = {};
+    bool includeQualifiers = false;
+    bool includeClassOrigin = false;
+    PropertyList properties = std::nullopt;
+};
+struct AssociatorNames {
+    OpenWBEM::CIMObjectPath objectName;
+    OpenWBEM::String assocClass = {};
+    OpenWBEM::String resultClass = {};
+    OpenWBEM::String role = {};
+    OpenWBEM::String resultRole = {};
+};
+struct References {
+    OpenWBEM::CIMObjectPath objectName;
+    OpenWBEM::String resultClass = {};
+    OpenWBEM::String role = {};
+    bool includeQualifiers = false;
+    bool includeClassOrigin = false;
+    PropertyList properties = std::nullopt;
+};
+struct ReferenceNames {
+    OpenWBEM::CIMObjectPath objectName;
+    OpenWBEM::String resultClass = {};
+    OpenWBEM::String role = {};
+};
+/// A method that a class declares. The parameters are those that the client sent, in its order; a
+/// value that came without type is a string.
+struct InvokeMethod {
+    OpenWBEM::CIMObjectPath objectName;
+    OpenWBEM::String methodName;
+    OpenWBEM::CIMParamValueArray parameters = {};
+};
+/// Any other operation; answered with CIM_ERR_NOT_SUPPORTED.
 struct OtherOperation {
     OpenWBEM::String name;
 };
 
-using Call = std::variant<GetClass, EnumerateClasses, EnumerateClassNames, GetInstance,
-                          EnumerateInstances, EnumerateInstanceNames, OtherOperation>;
+using Call =
+    std::variant<GetClass, EnumerateClasses, EnumerateClassNames, GetInstance, EnumerateInstances,
+                 EnumerateInstanceNames, GetProperty, SetProperty, CreateInstance, ModifyInstance,
+                 DeleteInstance, Associators, AssociatorNames, References, ReferenceNames,
+                 InvokeMethod, OtherOperation>;
 
 struct Request {
     OpenWBEM::String nameSpace; ///< without leading slash
@@ -72,8 +135,8 @@ struct Request {
     Call call;
 };
 
-/// Takes the results of one call in order; which of these are called follows from the call. Called
-/// from one thread.
+/// Takes the results of one call in order; which of these are called follows from the call, and
+/// none for a call that only changes something. Called from one thread.
 class ResultSink {
 public:
     virtual ~ResultSink() = default;
@@ -84,6 +147,18 @@ public:
     virtual void NamedInstance(const OpenWBEM::CIMObjectPath& path,
                                const OpenWBEM::CIMInstance& instance) = 0;
     virtual void InstanceName(const OpenWBEM::CIMObjectPath& path) = 0;
+    // The results of associations: paths with host and namespace.
+    virtual void InstanceWithPath(const OpenWBEM::CIMObjectPath& path,
+                                  const OpenWBEM::CIMInstance& instance) = 0;
+    virtual void ClassWithPath(const OpenWBEM::CIMObjectPath& path,
+                               const OpenWBEM::CIMClass& cimClass) = 0;
+    virtual void InstancePath(const OpenWBEM::CIMObjectPath& path) = 0;
+    virtual void ClassPath(const OpenWBEM::CIMObjectPath& path) = 0;
+    /// The value may be null.
+    virtual void PropertyValue(const OpenWBEM::CIMValue& value) = 0;
+    /// What a method returned and put into its out-parameters; any of the values may be null.
+    virtual void MethodResult(const OpenWBEM::CIMValue& returnValue,
+                              const OpenWBEM::CIMParamValueArray& out) = 0;
 };
 
 /// Carries out one call. Called from several threads at once.
@@ -96,15 +171,17 @@ public:
 
 class Operations final : public Executor {
 public:
-    /// Both must outlive this object. `nameSpace` is the one namespace served.
+    /// Schema and providers must outlive this object. `nameSpace` is the one namespace served;
+    /// `hostName` is the name of this machine, which the results of associations carry.
     Operations(const mof::Schema& schema, host::ProviderSource& providers,
-               OpenWBEM::String nameSpace);
+               OpenWBEM::String nameSpace, OpenWBEM::String hostName);
     void Execute(const Request& request, ResultSink& sink) override;
 
 private:
     const mof::Schema& schema_;
     host::ProviderSource& providers_;
     const OpenWBEM::String nameSpace_;
+    const OpenWBEM::String hostName_;
 };
 
 } // namespace cimserver::operations

@@ -110,13 +110,33 @@ HttpAnswer CimClient::Post(std::string_view body) {
         body);
 }
 
-std::string IntrinsicCall(std::string_view operation, std::string_view parameters) {
+namespace {
+
+constexpr std::string_view nameSpacePath =
+    R"(<LOCALNAMESPACEPATH><NAMESPACE NAME="root"/><NAMESPACE NAME="cimv2"/></LOCALNAMESPACEPATH>)";
+
+std::string Message(std::string_view call) {
     std::string text = R"(<?xml version="1.0" encoding="utf-8"?>
 <CIM CIMVERSION="2.0" DTDVERSION="2.0"><MESSAGE ID="4711" PROTOCOLVERSION="1.0"><SIMPLEREQ>)";
-    text.append("<IMETHODCALL NAME=\"").append(operation).append("\">");
-    text.append(R"(<LOCALNAMESPACEPATH><NAMESPACE NAME="root"/><NAMESPACE NAME="cimv2"/>)");
-    text.append("</LOCALNAMESPACEPATH>").append(parameters);
-    return text.append("</IMETHODCALL></SIMPLEREQ></MESSAGE></CIM>");
+    return text.append(call).append("</SIMPLEREQ></MESSAGE></CIM>");
+}
+
+} // namespace
+
+std::string IntrinsicCall(std::string_view operation, std::string_view parameters) {
+    std::string text = "<IMETHODCALL NAME=\"";
+    text.append(operation).append("\">").append(nameSpacePath).append(parameters);
+    return Message(text.append("</IMETHODCALL>"));
+}
+
+std::string ExtrinsicCall(std::string_view method, std::string_view object,
+                          std::string_view parameters) {
+    const bool isClass = object.substr(0, 10) == "<CLASSNAME";
+    const std::string path = isClass ? "LOCALCLASSPATH>" : "LOCALINSTANCEPATH>";
+    std::string text = "<METHODCALL NAME=\"";
+    text.append(method).append("\"><").append(path).append(nameSpacePath).append(object);
+    text.append("</").append(path).append(parameters);
+    return Message(text.append("</METHODCALL>"));
 }
 
 } // namespace test_support

@@ -56,4 +56,9 @@ private:
 /// IPARAMVALUE elements.
 std::string IntrinsicCall(std::string_view operation, std::string_view parameters);
 
+/// The body of a call of a class's method in namespace root/cimv2; `object` is the XML of the
+/// INSTANCENAME or CLASSNAME, `parameters` that of the PARAMVALUE elements.
+std::string ExtrinsicCall(std::string_view method, std::string_view object,
+                          std::string_view parameters);
+
 } // namespace test_support

@@ -85,6 +85,40 @@ TEST(DtdCheck, AValidAnswerHasNoProblem) {
         IsEmpty());
 }
 
+TEST(DtdCheck, MethodResponsesAreKnown) {
+    const std::string start =
+        R"(<?xml version="1.0" encoding="utf-8"?><CIM CIMVERSION="2.0" DTDVERSION="2.0">)"
+        R"(<MESSAGE ID="1" PROTOCOLVERSION="1.0"><SIMPLERSP><METHODRESPONSE NAME="M">)";
+    const std::string end = "</METHODRESPONSE></SIMPLERSP></MESSAGE></CIM>";
+    const std::string parameter = R"(<PARAMVALUE NAME="P"><VALUE>x</VALUE></PARAMVALUE>)";
+    const std::string value = R"(<RETURNVALUE PARAMTYPE="uint8"><VALUE>1</VALUE></RETURNVALUE>)";
+    EXPECT_THAT(DtdProblems(start + value + parameter + parameter + end), IsEmpty());
+    EXPECT_THAT(DtdProblems(start + end), IsEmpty());
+    EXPECT_THAT(
+        DtdProblems(start + parameter + value + end),
+        ElementsAre(testing::StartsWith("METHODRESPONSE holds PARAMVALUE RETURNVALUE instead")));
+    EXPECT_THAT(DtdProblems(start + "<RETURNVALUE></RETURNVALUE>" + end),
+                ElementsAre("RETURNVALUE holds instead of (VALUE|VALUE.REFERENCE)"));
+    EXPECT_THAT(DtdProblems(start + R"(<PARAMVALUE NAME="P" PARAMTYPE="text"></PARAMVALUE>)" + end),
+                ElementsAre("PARAMVALUE attribute PARAMTYPE cannot be text"));
+}
+
+TEST(DtdCheck, ObjectsStandWithTheirPaths) {
+    const std::string path = R"(<CLASSPATH><NAMESPACEPATH><HOST>h</HOST><LOCALNAMESPACEPATH>)"
+                             R"(<NAMESPACE NAME="n"/></LOCALNAMESPACEPATH></NAMESPACEPATH>)"
+                             R"(<CLASSNAME NAME="A"/></CLASSPATH>)";
+    const auto answer = [](const std::string& inside) {
+        return Answer("<IRETURNVALUE>" + inside + "</IRETURNVALUE>");
+    };
+    EXPECT_THAT(DtdProblems(answer("<OBJECTPATH>" + path + "</OBJECTPATH>")), IsEmpty());
+    EXPECT_THAT(DtdProblems(answer("<VALUE.OBJECTWITHPATH>" + path +
+                                   R"(<CLASS NAME="A"/></VALUE.OBJECTWITHPATH>)")),
+                IsEmpty());
+    EXPECT_THAT(DtdProblems(answer("<VALUE.OBJECTWITHPATH>" + path +
+                                   R"(<INSTANCE CLASSNAME="A"/></VALUE.OBJECTWITHPATH>)")),
+                ElementsAre(testing::StartsWith("VALUE.OBJECTWITHPATH holds CLASSPATH INSTANCE ")));
+}
+
 TEST(DtdCheck, BrokenXmlIsNamedWithItsPlace) {
     EXPECT_THAT(DtdProblems("<CIM"), ElementsAre("not well-formed at byte 0: unclosed token"));
     EXPECT_THAT(DtdProblems(""), ElementsAre("not well-formed at byte 0: no element found"));

@@ -97,10 +97,7 @@ TEST(HostileBody, EveryPrefixOfARequestIsRefused) {
     }
 }
 
-TEST(HostileBody, NoChangeOfOneByteDoesHarm) {
-    const std::string whole = test_support::IntrinsicCall(
-        "GetInstance", R"(<IPARAMVALUE NAME="InstanceName"><INSTANCENAME CLASSNAME="A"/>)"
-                       R"(</IPARAMVALUE>)");
+void ExpectNoHarmByAnyChange(const std::string& whole) {
     int answered = 0;
     int refusedCount = 0;
     for (std::size_t at = 0; at < whole.size(); ++at) {
@@ -115,6 +112,29 @@ TEST(HostileBody, NoChangeOfOneByteDoesHarm) {
     }
     EXPECT_GT(answered, 0);
     EXPECT_GT(refusedCount, 0);
+}
+
+TEST(HostileBody, NoChangeOfOneByteDoesHarm) {
+    ExpectNoHarmByAnyChange(test_support::IntrinsicCall(
+        "GetInstance", R"(<IPARAMVALUE NAME="InstanceName"><INSTANCENAME CLASSNAME="A"/>)"
+                       R"(</IPARAMVALUE>)"));
+}
+
+TEST(HostileBody, NoChangeOfOneByteOfAnInstanceDoesHarm) {
+    ExpectNoHarmByAnyChange(test_support::IntrinsicCall(
+        "CreateInstance", R"(<IPARAMVALUE NAME="NewInstance"><INSTANCE CLASSNAME="A">)"
+                          R"(<PROPERTY NAME="P" TYPE="uint8"><VALUE>1</VALUE></PROPERTY>)"
+                          R"(<PROPERTY.ARRAY NAME="L" TYPE="datetime"><VALUE.ARRAY>)"
+                          R"(<VALUE>20250102030405.000000+000</VALUE></VALUE.ARRAY>)"
+                          R"(</PROPERTY.ARRAY></INSTANCE></IPARAMVALUE>)"));
+}
+
+TEST(HostileBody, NoChangeOfOneByteOfAMethodCallDoesHarm) {
+    ExpectNoHarmByAnyChange(test_support::ExtrinsicCall(
+        "Run", R"(<INSTANCENAME CLASSNAME="A"/>)",
+        R"(<PARAMVALUE NAME="P" PARAMTYPE="real32"><VALUE>1.5</VALUE></PARAMVALUE>)"
+        R"(<PARAMVALUE NAME="R"><VALUE.REFERENCE><CLASSNAME NAME="A"/></VALUE.REFERENCE>)"
+        R"(</PARAMVALUE>)"));
 }
 
 } // namespace

@@ -32,6 +32,43 @@ Reply Ask(std::string_view body, cimserver::operations::Executor& executor,
     return reply;
 }
 
+std::string RefusalOf(std::string_view body) {
+    FakeExecutor executor;
+    const Reply reply = Ask(body, executor);
+    EXPECT_FALSE(executor.last.has_value());
+    if (reply.status.httpStatus == 200) {
+        return ErrorIn(reply.text);
+    }
+    return std::to_string(reply.status.httpStatus) + " " + reply.Header("CIMError");
+}
+
+std::string Parameter(const std::string& name, const std::string& value) {
+    return "<IPARAMVALUE NAME=\"" + name + "\">" + value + "</IPARAMVALUE>";
+}
+
+std::string Shown(const OpenWBEM::CIMValue& value) {
+    if (!value) {
+        return "null";
+    }
+    return std::string(value.getCIMDataType().toString().c_str()) +
+           (value.isArray() ? "[] " : " ") + value.toString().c_str();
+}
+
+std::string Shown(const OpenWBEM::CIMInstance& instance) {
+    std::string text = std::string(instance.getClassName().c_str()) + ":";
+    const OpenWBEM::CIMPropertyArray properties = instance.getProperties();
+    for (const OpenWBEM::CIMProperty& property : properties) {
+        const OpenWBEM::CIMDataType type = property.getDataType();
+        const OpenWBEM::CIMValue value = property.getValue();
+        text.append(property.getName().c_str()).append("=");
+        text.append(value ? Shown(value)
+                          : std::string(type.toString().c_str()) +
+                                (type.isArrayType() ? "[] null" : " null"));
+        text.append(";");
+    }
+    return text;
+}
+
 std::string Results(const std::function<void(ResultSink&)>& action) {
     FakeExecutor executor([&](const Request&, ResultSink& sink) { action(sink); });
     return Ask(test_support::IntrinsicCall(

@@ -5,6 +5,10 @@
 #include "cimserver/cimxml/CimXml.hpp"
 #include "support/CimClient.hpp"
 
+#include "OW_CIM.hpp"
+
+#include <gtest/gtest.h>
+
 #include <functional>
 #include <optional>
 #include <string>
@@ -57,6 +61,28 @@ struct Reply {
 Reply Ask(std::string_view body, cimserver::operations::Executor& executor,
           const cimserver::cimxml::HeaderList& headers = {{"CIMOperation", "MethodCall"}},
           const std::string& method = "POST");
+
+/// The call that a request with this body becomes; a test failure when it becomes another one.
+template <class Call>
+Call Read(std::string_view body) {
+    FakeExecutor executor;
+    const Reply reply = Ask(body, executor);
+    if (!executor.last || !std::holds_alternative<Call>(executor.last->call)) {
+        ADD_FAILURE() << "another call, or none: " << reply.text;
+        return {};
+    }
+    return std::get<Call>(executor.last->call);
+}
+
+/// How a request is refused before it becomes a call: the error, or the HTTP status and CIMError.
+std::string RefusalOf(std::string_view body);
+
+/// `<IPARAMVALUE NAME="name">value</IPARAMVALUE>`
+std::string Parameter(const std::string& name, const std::string& value);
+
+// Types and values as text: `uint16[] 1,2`, `string null`; properties as `Name=string x;Count=...`.
+std::string Shown(const OpenWBEM::CIMValue& value);
+std::string Shown(const OpenWBEM::CIMInstance& instance);
 
 /// The answer to an EnumerateInstances whose results `action` delivers.
 std::string Results(const std::function<void(ResultSink&)>& action);

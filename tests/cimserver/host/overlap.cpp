@@ -67,6 +67,25 @@ TEST_F(Overlap, ProvidersOfOneLibraryShareItsGate) {
     EXPECT_EQ(MostInside("Good", "Twin", 300ms), 1);
 }
 
+TEST_F(Overlap, AllInterfacesOfALibraryShareItsGate) {
+    Install("Serving");
+    Start();
+    Room room;
+    const auto visit = [&room](auto&, const auto&) {
+        room.EnterAndMeet(2, 200ms);
+        room.Leave();
+    };
+    const cimserver::host::Target target{"root/cimv2", "HT_Class", "c++::Serving"};
+    std::vector<std::thread> threads;
+    threads.emplace_back([&] { TheHost().WithInstanceProvider(target, {"", ""}, visit); });
+    threads.emplace_back([&] { TheHost().WithAssociatorProvider(target, {"", ""}, visit); });
+    threads.emplace_back([&] { TheHost().WithMethodProvider(target, "M", {"", ""}, visit); });
+    for (auto& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(room.Most(), 1);
+}
+
 TEST_F(Overlap, DifferentLibrariesRunSideBySide) {
     Install("Good");
     Install("Other");

@@ -11,7 +11,7 @@ namespace {
 constexpr const char* mof = R"(
 Qualifier Key : boolean = false, Scope(property, reference), Flavor(DisableOverride);
 Qualifier Description : string = null, Scope(any), Flavor(Translatable);
-Qualifier Provider : string = null, Scope(class), Flavor(ToSubclass);
+Qualifier Provider : string = null, Scope(any), Flavor(ToSubclass);
 Qualifier Override : string = null, Scope(property, reference, method), Flavor(Restricted);
 Qualifier In : boolean = true, Scope(parameter), Flavor(DisableOverride);
 
@@ -54,7 +54,47 @@ std::string List(const OpenWBEM::StringArray* list) {
     return text + "]";
 }
 
+std::string Shown(const char* name, const OpenWBEM::CIMDataType& type,
+                  const OpenWBEM::CIMValue& value) {
+    return std::string(name) + "=" + Text(type.toString()) + (type.isArrayType() ? "[] " : " ") +
+           (value ? Text(value.toString()) : "null");
+}
+
 } // namespace
+
+std::string Shown(const OpenWBEM::CIMPropertyArray& properties) {
+    std::string text;
+    for (const auto& property : properties) {
+        text += (text.empty() ? "" : ",") +
+                Shown(property.getName().c_str(), property.getDataType(), property.getValue());
+    }
+    return text;
+}
+
+std::string Shown(const OpenWBEM::CIMInstance& instance) {
+    return Text(instance.getClassName()) + "{" + Shown(instance.getProperties()) + "}";
+}
+
+std::string Shown(const OpenWBEM::CIMValue& value) {
+    return value ? Text(value.getCIMDataType().toString()) + (value.isArray() ? "[] " : " ") +
+                       Text(value.toString())
+                 : "null";
+}
+
+std::string Shown(const OpenWBEM::CIMParamValueArray& parameters) {
+    std::string text;
+    for (const auto& parameter : parameters) {
+        text += (text.empty() ? "" : ",") + Text(parameter.getName()) + "=" +
+                Shown(parameter.getValue());
+    }
+    return text;
+}
+
+OpenWBEM::CIMObjectPath Path(const char* className, const char* key, const char* value) {
+    OpenWBEM::CIMObjectPath path(className);
+    path.setKeyValue(key, OpenWBEM::CIMValue(OpenWBEM::String(value)));
+    return path;
+}
 
 void KeepingSink::Class(const OpenWBEM::CIMClass& cimClass) {
     lines.push_back("class " + Text(cimClass.getName()));
@@ -78,6 +118,34 @@ void KeepingSink::NamedInstance(const OpenWBEM::CIMObjectPath& path,
 
 void KeepingSink::InstanceName(const OpenWBEM::CIMObjectPath& path) {
     lines.push_back("path " + Text(path.toString()));
+}
+
+void KeepingSink::InstanceWithPath(const OpenWBEM::CIMObjectPath& path,
+                                   const OpenWBEM::CIMInstance& instance) {
+    lines.push_back("instance " + Text(path.toString()) + " " + Shown(instance));
+}
+
+void KeepingSink::ClassWithPath(const OpenWBEM::CIMObjectPath& path,
+                                const OpenWBEM::CIMClass& cimClass) {
+    lines.push_back("class " + Text(path.toString()) + " " + Text(cimClass.getName()));
+    classes.push_back(cimClass);
+}
+
+void KeepingSink::InstancePath(const OpenWBEM::CIMObjectPath& path) {
+    lines.push_back("instance path " + Text(path.toString()));
+}
+
+void KeepingSink::ClassPath(const OpenWBEM::CIMObjectPath& path) {
+    lines.push_back("class path " + Text(path.toString()));
+}
+
+void KeepingSink::PropertyValue(const OpenWBEM::CIMValue& value) {
+    lines.push_back("value " + Shown(value));
+}
+
+void KeepingSink::MethodResult(const OpenWBEM::CIMValue& returnValue,
+                               const OpenWBEM::CIMParamValueArray& out) {
+    lines.push_back("returned " + Shown(returnValue) + "(" + Shown(out) + ")");
 }
 
 void PlayedProvider::enumInstanceNames(const Env&, const OpenWBEM::String& ns,
@@ -122,42 +190,156 @@ OpenWBEM::CIMInstance PlayedProvider::getInstance(
                     Flags(localOnly != 0, includeQualifiers != 0, includeClassOrigin != 0) + " " +
                     List(propertyList) + " " + Text(cimClass.getName()));
     askedFor = instanceName;
-    atEnd();
+    (atEndOfGet ? atEndOfGet : atEnd)();
     return answer;
 }
 
-OpenWBEM::CIMObjectPath PlayedProvider::createInstance(const Env&, const OpenWBEM::String&,
-                                                       const OpenWBEM::CIMInstance&) {
-    calls.emplace_back("createInstance");
-    return OpenWBEM::CIMObjectPath();
+OpenWBEM::CIMObjectPath PlayedProvider::createInstance(const Env&, const OpenWBEM::String& ns,
+                                                       const OpenWBEM::CIMInstance& instance) {
+    calls.push_back("createInstance " + Text(ns) + " " + Shown(instance));
+    given = instance;
+    atEnd();
+    return created;
 }
 
-void PlayedProvider::modifyInstance(const Env&, const OpenWBEM::String&,
-                                    const OpenWBEM::CIMInstance&, const OpenWBEM::CIMInstance&,
-                                    OpenWBEM::WBEMFlags::EIncludeQualifiersFlag,
-                                    const OpenWBEM::StringArray*, const OpenWBEM::CIMClass&) {
-    calls.emplace_back("modifyInstance");
+void PlayedProvider::modifyInstance(const Env&, const OpenWBEM::String& ns,
+                                    const OpenWBEM::CIMInstance& modified,
+                                    const OpenWBEM::CIMInstance& previous,
+                                    OpenWBEM::WBEMFlags::EIncludeQualifiersFlag includeQualifiers,
+                                    const OpenWBEM::StringArray* propertyList,
+                                    const OpenWBEM::CIMClass& cimClass) {
+    calls.push_back("modifyInstance " + Text(ns) + " " + Shown(modified) + " from " +
+                    Shown(previous) + (includeQualifiers != 0 ? " Q " : " - ") +
+                    List(propertyList) + " " + Text(cimClass.getName()));
+    given = modified;
+    atEnd();
 }
 
-void PlayedProvider::deleteInstance(const Env&, const OpenWBEM::String&,
-                                    const OpenWBEM::CIMObjectPath&) {
-    calls.emplace_back("deleteInstance");
+void PlayedProvider::deleteInstance(const Env&, const OpenWBEM::String& ns,
+                                    const OpenWBEM::CIMObjectPath& path) {
+    calls.push_back("deleteInstance " + Text(ns) + " " + Text(path.toString()));
+    atEnd();
+}
+
+OpenWBEM::CIMValue PlayedProvider::invokeMethod(const Env&, const OpenWBEM::String& ns,
+                                                const OpenWBEM::CIMObjectPath& path,
+                                                const OpenWBEM::String& methodName,
+                                                const OpenWBEM::CIMParamValueArray& in,
+                                                OpenWBEM::CIMParamValueArray& out) {
+    calls.push_back("invokeMethod " + Text(ns) + " " + Text(path.toString()) + " " +
+                    Text(methodName) + "(" + Shown(in) + ") out(" + Shown(out) + ")");
+    return method(out);
+}
+
+void PlayedProvider::associators(const Env&, OpenWBEM::CIMInstanceResultHandlerIFC& result,
+                                 const OpenWBEM::String& ns,
+                                 const OpenWBEM::CIMObjectPath& objectName,
+                                 const OpenWBEM::String& assocClass,
+                                 const OpenWBEM::String& resultClass, const OpenWBEM::String& role,
+                                 const OpenWBEM::String& resultRole,
+                                 OpenWBEM::WBEMFlags::EIncludeQualifiersFlag includeQualifiers,
+                                 OpenWBEM::WBEMFlags::EIncludeClassOriginFlag includeClassOrigin,
+                                 const OpenWBEM::StringArray* propertyList) {
+    calls.push_back(
+        "associators " + Text(ns) + " " + Text(objectName.toString()) + " " + Text(assocClass) +
+        "," + Text(resultClass) + "," + Text(role) + "," + Text(resultRole) +
+        Flags(false, includeQualifiers != 0, includeClassOrigin != 0) + List(propertyList));
+    for (const auto& instance : instances) {
+        result.handle(instance);
+    }
+    atEnd();
+}
+
+void PlayedProvider::associatorNames(const Env&, OpenWBEM::CIMObjectPathResultHandlerIFC& result,
+                                     const OpenWBEM::String& ns,
+                                     const OpenWBEM::CIMObjectPath& objectName,
+                                     const OpenWBEM::String& assocClass,
+                                     const OpenWBEM::String& resultClass,
+                                     const OpenWBEM::String& role,
+                                     const OpenWBEM::String& resultRole) {
+    calls.push_back("associatorNames " + Text(ns) + " " + Text(objectName.toString()) + " " +
+                    Text(assocClass) + "," + Text(resultClass) + "," + Text(role) + "," +
+                    Text(resultRole));
+    for (const auto& path : paths) {
+        result.handle(path);
+    }
+    atEnd();
+}
+
+void PlayedProvider::references(const Env&, OpenWBEM::CIMInstanceResultHandlerIFC& result,
+                                const OpenWBEM::String& ns,
+                                const OpenWBEM::CIMObjectPath& objectName,
+                                const OpenWBEM::String& resultClass, const OpenWBEM::String& role,
+                                OpenWBEM::WBEMFlags::EIncludeQualifiersFlag includeQualifiers,
+                                OpenWBEM::WBEMFlags::EIncludeClassOriginFlag includeClassOrigin,
+                                const OpenWBEM::StringArray* propertyList) {
+    calls.push_back("references " + Text(ns) + " " + Text(objectName.toString()) + " " +
+                    Text(resultClass) + "," + Text(role) +
+                    Flags(false, includeQualifiers != 0, includeClassOrigin != 0) +
+                    List(propertyList));
+    for (const auto& instance : instances) {
+        result.handle(instance);
+    }
+    atEnd();
+}
+
+void PlayedProvider::referenceNames(const Env&, OpenWBEM::CIMObjectPathResultHandlerIFC& result,
+                                    const OpenWBEM::String& ns,
+                                    const OpenWBEM::CIMObjectPath& objectName,
+                                    const OpenWBEM::String& resultClass,
+                                    const OpenWBEM::String& role) {
+    calls.push_back("referenceNames " + Text(ns) + " " + Text(objectName.toString()) + " " +
+                    Text(resultClass) + "," + Text(role));
+    for (const auto& path : paths) {
+        result.handle(path);
+    }
+    atEnd();
+}
+
+PlayedProvider* PlayedProviders::Ask(const cimserver::host::Target& target,
+                                     const cimserver::host::CallInfo& info) {
+    asked.push_back(info.operation + " by " + info.user + ": " + Text(target.nameSpace) + ":" +
+                    Text(target.className) + " " + Text(target.providerQualifier));
+    const auto found = providers.find(Text(target.providerQualifier));
+    return found == providers.end() ? nullptr : found->second;
 }
 
 bool PlayedProviders::WithInstanceProvider(const cimserver::host::Target& target,
                                            const cimserver::host::CallInfo& info,
                                            const cimserver::host::InstanceCall& call) {
-    asked.push_back(info.operation + " by " + info.user + ": " + Text(target.nameSpace) + ":" +
-                    Text(target.className) + " " + Text(target.providerQualifier));
-    const auto found = providers.find(Text(target.providerQualifier));
-    if (found == providers.end()) {
+    auto* provider = Ask(target, info);
+    if (provider == nullptr) {
         return false;
     }
-    call(*found->second, {});
+    call(*provider, {});
     return true;
 }
 
-OperationsTest::OperationsTest() : operations(schema, source, "root/cimv2") {
+bool PlayedProviders::WithAssociatorProvider(const cimserver::host::Target& target,
+                                             const cimserver::host::CallInfo& info,
+                                             const cimserver::host::AssociatorCall& call) {
+    auto* provider = Ask(target, info);
+    if (provider == nullptr || !provider->servesAssociations) {
+        return false;
+    }
+    call(*provider, {});
+    return true;
+}
+
+bool PlayedProviders::WithMethodProvider(const cimserver::host::Target& target,
+                                         const OpenWBEM::String& methodName,
+                                         const cimserver::host::CallInfo& info,
+                                         const cimserver::host::MethodCall& call) {
+    auto* provider = Ask(target, info);
+    asked.back() += " " + Text(methodName);
+    if (provider == nullptr || !provider->servesMethods) {
+        return false;
+    }
+    call(*provider, {});
+    return true;
+}
+
+OperationsTest::OperationsTest() : operations(schema, source, "root/cimv2", "here") {
     schema.AddText(mof, "test.mof");
     source.providers = {{"c++::Base", &base}, {"c++::Leaf", &leaf}};
 }

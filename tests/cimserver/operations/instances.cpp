@@ -27,12 +27,6 @@ CIMInstance Made(const char* className, const char* id) {
     return instance;
 }
 
-CIMObjectPath Path(const char* className, const char* key, const char* value) {
-    CIMObjectPath path(className);
-    path.setKeyValue(key, CIMValue(String(value)));
-    return path;
-}
-
 class Instances : public OperationsTest {};
 
 TEST_F(Instances, EnumerationCallsTheProvidersOfAllSubclassesInDeclaredSpelling) {
@@ -192,6 +186,47 @@ TEST_F(Instances, GetInstanceAsksOnlyTheClassItself) {
     Run(GetInstance{Path("HT_Base", "Id", "1")});
     EXPECT_EQ(base.calls.size(), 1U);
     EXPECT_THAT(leaf.calls, IsEmpty());
+}
+
+TEST_F(Instances, GetPropertyAsksForAnInstanceWithThatPropertyOnly) {
+    leaf.answer = Made("HT_Leaf", "1");
+    leaf.answer.setProperty("Number", CIMValue(OpenWBEM::UInt16(5)));
+    Run(GetProperty{Path("ht_LEAF", "ID", "1"), "number"});
+    EXPECT_THAT(leaf.calls,
+                ElementsAre("getInstance root/cimv2 /:ht_LEAF.Id=\"1\" --- [number,] HT_Leaf"));
+    EXPECT_THAT(sink.lines, ElementsAre("value uint16 5"));
+    EXPECT_THAT(source.asked[0], "GetProperty by anna: root/cimv2:HT_Leaf c++::Leaf");
+}
+
+TEST_F(Instances, GetPropertyOfWhatTheInstanceLacksIsNull) {
+    leaf.answer = Made("HT_Leaf", "1");
+    Run(GetProperty{Path("HT_Leaf", "Id", "1"), "Last"});
+    EXPECT_THAT(sink.lines, ElementsAre("value null"));
+}
+
+TEST_F(Instances, GetPropertyRefusals) {
+    EXPECT_EQ(Failure(GetProperty{Path("HT_None", "Id", "1"), "Id"}),
+              "5 class does not exist (/root/cimv2:HT_None)");
+    EXPECT_EQ(Failure(GetProperty{Path("HT_Leaf", "Id", "1"), "Id"}, "root/none"),
+              "3 namespace does not exist (root/none)");
+    EXPECT_EQ(Failure(GetProperty{Path("HT_Nobody", "Id", "1"), "Id"}),
+              "6 requested object could not be found (/root/cimv2:HT_Nobody.Id=\"1\")");
+    leaf.answer = Made("HT_Leaf", "1");
+    EXPECT_EQ(Failure(GetProperty{Path("HT_Leaf", "Id", "1"), "Extras"}),
+              "12 specified property does not exist (Extras)");
+    leaf.answer = CIMInstance();
+    EXPECT_EQ(Failure(GetProperty{Path("HT_Leaf", "Id", "1"), "Id"}),
+              "1 general error (instance has no class name)");
+    leaf.answer = CIMInstance(OpenWBEM::CIMNULL);
+    EXPECT_EQ(Failure(GetProperty{Path("HT_Leaf", "Id", "1"), "Id"}),
+              "1 general error (Provider erroneously returned a NULL CIMInstance)");
+    EXPECT_THAT(sink.lines, IsEmpty());
+}
+
+TEST_F(Instances, GetPropertyOfAnUnknownInstanceIsNotFoundEvenWhenThePropertyIsUnknownToo) {
+    leaf.atEnd = [] { OW_THROWCIM(OpenWBEM::CIMException::NOT_FOUND); };
+    EXPECT_EQ(Failure(GetProperty{Path("HT_Leaf", "Id", "9"), "Extras"}),
+              "6 requested object could not be found");
 }
 
 } // namespace

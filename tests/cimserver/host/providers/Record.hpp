@@ -27,6 +27,7 @@ bool TakeSwitch(const std::string& name);
 struct Registration {
     std::string className;
     std::vector<std::string> namespaces;
+    std::vector<std::string> methods = {}; ///< for those who serve methods
 };
 void SetRegistrations(const std::string& id, std::vector<Registration> registrations);
 std::vector<Registration> RegistrationsOf(const std::string& id);
