@@ -1,7 +1,11 @@
 #include "provider/ProviderTest.hpp"
 
 #include <cstddef>
+#include <filesystem>
+#include <fstream>
 #include <set>
+#include <string>
+#include <vector>
 
 #include <pthread.h>
 
@@ -49,6 +53,22 @@ class Background : public ToolTest {
 protected:
     Background() { tool.Plays("--setinprogress", ToolAnswer()); }
 };
+
+// What ps and a debugger show of the task; the system keeps fifteen characters.
+TEST_F(Background, TheTaskHasItsName) {
+    tool.Plays("--apply", ToolAnswer().Held());
+    SpawnBackgroundThread(COMMAND);
+    ASSERT_TRUE(tool.WaitForCalls(2));
+    std::vector<std::string> names;
+    for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
+        std::ifstream file(task.path() / "comm");
+        std::string name;
+        std::getline(file, name);
+        names.push_back(name);
+    }
+    EXPECT_THAT(names, testing::Contains("BackgroundThrea"));
+    tool.Release("--apply");
+}
 
 TEST_F(Background, ReturnsWhileTheToolStillRuns) {
     tool.Plays("--apply", ToolAnswer().Held());
