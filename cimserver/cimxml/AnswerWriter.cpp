@@ -81,14 +81,8 @@ void AnswerWriter::Instance(const OpenWBEM::CIMInstance& instance) {
     WriteResult([&] { WriteInstance(xml_, instance); });
 }
 
-void AnswerWriter::NamedInstance(const OpenWBEM::CIMObjectPath& path,
-                                 const OpenWBEM::CIMInstance& instance) {
-    WriteResult([&] {
-        xml_.Markup("<VALUE.NAMEDINSTANCE>");
-        WriteInstanceName(xml_, path);
-        WriteInstance(xml_, instance);
-        xml_.Markup("</VALUE.NAMEDINSTANCE>");
-    });
+void AnswerWriter::NamedInstance(const OpenWBEM::CIMInstance& instance) {
+    WriteResult([&] { WriteNamedInstance(xml_, instance); });
 }
 
 void AnswerWriter::InstanceName(const OpenWBEM::CIMObjectPath& path) {

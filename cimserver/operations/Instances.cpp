@@ -22,16 +22,12 @@ using OpenWBEM::CIMObjectPath;
 
 class NamedInstances final : public OpenWBEM::CIMInstanceResultHandlerIFC {
 public:
-    NamedInstances(const OpenWBEM::String& nameSpace, ResultSink& sink)
-        : nameSpace_(nameSpace), sink_(sink) {}
+    explicit NamedInstances(ResultSink& sink) : sink_(sink) {}
 
 protected:
-    void doHandle(const CIMInstance& instance) override {
-        sink_.NamedInstance(CIMObjectPath(nameSpace_, instance), instance);
-    }
+    void doHandle(const CIMInstance& instance) override { sink_.NamedInstance(instance); }
 
 private:
-    const OpenWBEM::String& nameSpace_;
     ResultSink& sink_;
 };
 
@@ -94,7 +90,7 @@ void Deliver(const CIMInstance& instance, ResultSink& sink) {
 } // namespace
 
 void Carry(const EnumerateInstances& call, const Surroundings& around, ResultSink& sink) {
-    NamedInstances handler(around.nameSpace, sink);
+    NamedInstances handler(sink);
     AskAll(call.className, around, "EnumerateInstances",
            [&](auto& provider, const auto& env, const auto& requestedClass, const auto& cimClass) {
                provider.enumInstances(env, around.nameSpace, cimClass.getName(), handler,
