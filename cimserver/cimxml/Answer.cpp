@@ -14,8 +14,9 @@ Status AnswerStatus() {
              {"CIMOperation", "MethodResponse"}}};
 }
 
-Status AnswerCall(const MethodCall& call, const Message& message, operations::Executor& executor,
-                  Output& output) {
+void AnswerCall(const MethodCall& call, const Message& message, operations::Executor& executor,
+                Output& output) {
+    output.Head(AnswerStatus());
     const AnswerTo answerTo{call.messageId, call.name, call.isExtrinsic};
     AnswerWriter writer(output, answerTo);
     try {
@@ -27,18 +28,17 @@ Status AnswerCall(const MethodCall& call, const Message& message, operations::Ex
     } catch (const OpenWBEM::CIMException& error) {
         writer.Fail(error);
     }
-    return AnswerStatus();
 }
 
 } // namespace
 
-Status Answer(const Message& message, operations::Executor& executor, Output& output) {
+void Answer(const Message& message, operations::Executor& executor, Output& output) {
     try {
         CheckHeaders(message);
         const Element root = ParseXml(message.body);
-        return AnswerCall(ReadMethodCall(root), message, executor, output);
+        AnswerCall(ReadMethodCall(root), message, executor, output);
     } catch (const ProtocolError& error) {
-        return error.AsStatus();
+        output.Head(error.AsStatus());
     }
 }
 

@@ -1,6 +1,7 @@
 #include "cimserver/cimxml/AnswerWriter.hpp"
 
 #include "cimserver/cimxml/Elements.hpp"
+#include "cimserver/cimxml/Trailers.hpp"
 #include "cimserver/cimxml/Values.hpp"
 
 namespace cimserver::cimxml {
@@ -8,7 +9,7 @@ namespace cimserver::cimxml {
 using OpenWBEM::CIMException;
 
 AnswerWriter::AnswerWriter(Output& output, const AnswerTo& request)
-    : xml_(output), request_(request) {
+    : output_(output), xml_(output), request_(request) {
 }
 
 void AnswerWriter::Begin() {
@@ -17,12 +18,17 @@ void AnswerWriter::Begin() {
 }
 
 void AnswerWriter::Finish() {
-    ThrowEarlierFailure();
-    xml_.Markup("</IRETURNVALUE>");
-    CloseEnvelope();
+    WriteResult([this] {
+        xml_.Markup("</IRETURNVALUE>");
+        CloseEnvelope();
+    });
 }
 
 void AnswerWriter::Fail(const CIMException& error) {
+    if (output_.HasLeft()) {
+        output_.Trailers(TrailersOf(error));
+        return;
+    }
     xml_.Restart();
     OpenEnvelope();
     xml_.Markup("<ERROR CODE=\"");

@@ -26,7 +26,8 @@ public:
 
     void Begin();
     void Finish();
-    /// Drops what was written; the answer is this error.
+    /// Drops what was written; the answer is this error. Once text has left, the text stops where
+    /// it is and the error follows as trailers.
     void Fail(const OpenWBEM::CIMException& error);
 
     void Class(const OpenWBEM::CIMClass& cimClass) override;
@@ -42,6 +43,7 @@ private:
     template <class Write>
     void WriteResult(Write write);
 
+    Output& output_;
     XmlBuffer xml_;
     const AnswerTo& request_;
     std::optional<OpenWBEM::CIMException> failure_;
