@@ -6,6 +6,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <stdexcept>
@@ -48,13 +49,86 @@ private:
     int socket_;
 };
 
-std::size_t BodyLength(std::string_view head) {
-    const std::string_view name = "Content-Length: ";
-    const std::size_t at = head.find(name);
-    if (head.substr(0, 12) != "HTTP/1.1 200" || at == std::string_view::npos) {
-        throw std::runtime_error("unexpected answer: " + std::string(head));
+/// One answer as it arrives through a buffer of fixed size.
+class AnswerReader {
+public:
+    AnswerReader(const Connection& connection, std::string* keep)
+        : connection_(connection), keep_(keep) {}
+
+    /// A line without its end; blocks are cut into lines only where the head and chunks need it.
+    std::string Line() {
+        std::string line;
+        for (;;) {
+            const std::string_view there = There();
+            const std::size_t end = there.find('\n');
+            line.append(there.substr(0, end));
+            next_ += std::min(end, there.size() - 1) + 1;
+            if (end != std::string_view::npos) {
+                line.pop_back(); // the carriage return
+                return line;
+            }
+        }
     }
-    return std::stoul(std::string(head.substr(at + name.size(), 20)));
+
+    void Body(std::size_t length) {
+        while (length > 0) {
+            const std::string_view part = There().substr(0, length);
+            if (keep_ != nullptr) {
+                keep_->append(part);
+            }
+            next_ += part.size();
+            length -= part.size();
+        }
+    }
+
+private:
+    std::string_view There() {
+        static std::array<char, 256 * 1024> buffer;
+        if (next_ == end_) {
+            next_ = 0;
+            end_ = connection_.Receive(buffer.data(), buffer.size());
+        }
+        return {buffer.data() + next_, end_ - next_};
+    }
+
+    const Connection& connection_;
+    std::string* keep_;
+    std::size_t next_ = 0;
+    std::size_t end_ = 0;
+};
+
+struct Head {
+    bool isChunked = false;
+    std::size_t length = 0;
+};
+
+Head ReadHead(AnswerReader& answer) {
+    const std::string status = answer.Line();
+    if (status.substr(0, 12) != "HTTP/1.1 200") {
+        throw std::runtime_error("unexpected answer: " + status);
+    }
+    const std::string_view lengthName = "Content-Length: ";
+    Head head;
+    for (std::string line = answer.Line(); !line.empty(); line = answer.Line()) {
+        head.isChunked = head.isChunked || line == "Transfer-Encoding: chunked";
+        if (line.starts_with(lengthName)) {
+            head.length = std::stoul(line.substr(lengthName.size()));
+        }
+    }
+    return head;
+}
+
+std::size_t ReadChunks(AnswerReader& answer) {
+    std::size_t received = 0;
+    while (const std::size_t size = std::stoul(answer.Line(), nullptr, 16)) {
+        answer.Body(size);
+        answer.Line();
+        received += size;
+    }
+    if (const std::string trailer = answer.Line(); !trailer.empty()) {
+        throw std::runtime_error("the answer failed: " + trailer);
+    }
+    return received;
 }
 
 } // namespace
@@ -62,27 +136,13 @@ std::size_t BodyLength(std::string_view head) {
 std::size_t Ask(std::uint16_t port, const std::string& request, std::string* keep) {
     const Connection connection(port);
     connection.Send(request);
-
-    static std::array<char, 256 * 1024> buffer;
-    std::string head;
-    std::size_t end = std::string::npos;
-    while (end == std::string::npos) {
-        head.append(buffer.data(), connection.Receive(buffer.data(), buffer.size()));
-        end = head.find("\r\n\r\n");
+    AnswerReader answer(connection, keep);
+    const Head head = ReadHead(answer);
+    if (head.isChunked) {
+        return ReadChunks(answer);
     }
-    const std::size_t length = BodyLength(std::string_view(head).substr(0, end));
-    std::size_t received = head.size() - end - 4;
-    if (keep != nullptr) {
-        *keep = head.substr(end + 4);
-    }
-    while (received < length) {
-        const std::size_t count = connection.Receive(buffer.data(), buffer.size());
-        received += count;
-        if (keep != nullptr) {
-            keep->append(buffer.data(), count);
-        }
-    }
-    return received;
+    answer.Body(head.length);
+    return head.length;
 }
 
 std::string EnumerateInventory() {
@@ -96,6 +156,7 @@ std::string EnumerateInventory() {
            "Content-Type: application/xml; charset=\"utf-8\"\r\n"
            "CIMProtocolVersion: 1.0\r\nCIMOperation: MethodCall\r\n"
            "CIMMethod: EnumerateInstances\r\nCIMObject: root%2Fcimv2\r\n"
+           "TE: trailers\r\nConnection: TE\r\n"
            "Content-Length: " +
            std::to_string(body.size()) + "\r\n\r\n" + body;
 }

@@ -86,6 +86,7 @@ StopSignal::StopSignal() {
     stopWriteEnd = ends[1];
     fcntl(readEnd_, F_SETFL, 0);
     Handle(SIGPIPE, Nothing);
+    Handle(SIGXFSZ, Nothing);
     Handle(SIGCHLD, SIG_DFL);
     Handle(SIGQUIT, SIG_DFL);
     Handle(SIGTERM, NoteStop);

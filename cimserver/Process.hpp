@@ -17,8 +17,8 @@ namespace cimserver {
 void SettleDescriptors();
 
 /// Waits for the signal to stop. Make one before the first thread starts, and only one: it unblocks
-/// all signals, takes SIGTERM and SIGINT, survives SIGPIPE, and puts SIGCHLD and SIGQUIT back to
-/// the default, whatever the parent had set.
+/// all signals, takes SIGTERM and SIGINT, survives SIGPIPE and SIGXFSZ, and puts SIGCHLD and
+/// SIGQUIT back to the default, whatever the parent had set.
 class StopSignal {
 public:
     /// Throws std::system_error.

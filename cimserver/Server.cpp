@@ -11,14 +11,29 @@ namespace cimserver {
 
 namespace {
 
-class BodyOutput final : public cimxml::Output {
+std::vector<http::Header> AsHeaders(const cimxml::HeaderList& list) {
+    std::vector<http::Header> headers;
+    for (const auto& [name, value] : list) {
+        headers.push_back({name, value});
+    }
+    return headers;
+}
+
+class AnswerOutput final : public cimxml::Output {
 public:
-    explicit BodyOutput(http::AnswerBody& body) : body_(body) {}
-    void Write(std::string_view text) override { body_.Append(text); }
-    void Restart() override { body_.Clear(); }
+    explicit AnswerOutput(http::Answer& answer) : answer_(answer) {}
+    void Head(const cimxml::Status& status) override {
+        answer_.SetHead({status.httpStatus, AsHeaders(status.headers), cimxml::trailerNames});
+    }
+    void Write(std::string_view text) override { answer_.Append(text); }
+    bool HasLeft() const override { return answer_.HasLeft(); }
+    void Restart() override { answer_.Clear(); }
+    void Trailers(const cimxml::HeaderList& trailers) override {
+        answer_.SetTrailers(AsHeaders(trailers));
+    }
 
 private:
-    http::AnswerBody& body_;
+    http::Answer& answer_;
 };
 
 host::Settings HostSettings(const Settings& settings, const Configuration& configuration,
@@ -57,7 +72,9 @@ Server::Server(const Settings& settings, const Configuration& configuration,
         listener.address = address;
         listener.port = settings.port;
         listeners_.push_back(std::make_unique<http::Server>(
-            listener, [this](const http::Request& request) { return Answer(request); }));
+            listener, [this](const http::Request& request, http::Answer& answer) {
+                AnswerRequest(request, answer);
+            }));
     }
 }
 
@@ -71,22 +88,15 @@ std::vector<std::string> Server::Urls() const {
     return urls;
 }
 
-http::Response Server::Answer(const http::Request& request) {
+void Server::AnswerRequest(const http::Request& request, http::Answer& answer) {
     cimxml::Message message;
     message.method = request.method;
     for (const auto& header : request.headers) {
         message.headers.emplace_back(header.name, header.value);
     }
     message.body = request.body;
-    http::Response response;
-    response.body = std::make_shared<http::AnswerBody>();
-    BodyOutput output(*response.body);
-    auto status = cimxml::Answer(message, *operations_, output);
-    response.status = status.httpStatus;
-    for (auto& [name, value] : status.headers) {
-        response.headers.push_back({std::move(name), std::move(value)});
-    }
-    return response;
+    AnswerOutput output(answer);
+    cimxml::Answer(message, *operations_, output);
 }
 
 } // namespace cimserver

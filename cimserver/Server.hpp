@@ -29,7 +29,7 @@ public:
     std::vector<std::string> Urls() const;
 
 private:
-    http::Response Answer(const http::Request& request);
+    void AnswerRequest(const http::Request& request, http::Answer& answer);
 
     // In the order of life: each uses only those before it.
     mof::Schema schema_;

@@ -28,6 +28,9 @@ target_compile_options(project_settings INTERFACE
     -Woverloaded-virtual -Wcast-align -Wformat=2 -Wimplicit-fallthrough -Wundef)
 target_link_libraries(project_settings INTERFACE Threads::Threads)
 
+# Nobody replaces single functions of our shared libraries, so they may call their own directly.
+target_compile_options(project_settings INTERFACE -fno-semantic-interposition)
+
 if(SANITIZE)
     target_compile_options(project_settings INTERFACE
         -fsanitize=${SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)

@@ -22,8 +22,9 @@ Frame FrameOf(const operations::Call& call) {
     return returnsNothing ? Frame::None : Frame::ReturnValue;
 }
 
-Status AnswerCall(const MethodCall& call, const Message& message, operations::Executor& executor,
-                  Output& output) {
+void AnswerCall(const MethodCall& call, const Message& message, operations::Executor& executor,
+                Output& output) {
+    output.Head(AnswerStatus());
     const AnswerTo answerTo{call.messageId, call.name, call.isExtrinsic};
     AnswerWriter writer(output, answerTo);
     try {
@@ -35,18 +36,17 @@ Status AnswerCall(const MethodCall& call, const Message& message, operations::Ex
     } catch (const OpenWBEM::CIMException& error) {
         writer.Fail(error);
     }
-    return AnswerStatus();
 }
 
 } // namespace
 
-Status Answer(const Message& message, operations::Executor& executor, Output& output) {
+void Answer(const Message& message, operations::Executor& executor, Output& output) {
     try {
         CheckHeaders(message);
         const Element root = ParseXml(message.body);
-        return AnswerCall(ReadMethodCall(root), message, executor, output);
+        AnswerCall(ReadMethodCall(root), message, executor, output);
     } catch (const ProtocolError& error) {
-        return error.AsStatus();
+        output.Head(error.AsStatus());
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "cimserver/cimxml/Elements.hpp"
 #include "cimserver/cimxml/Results.hpp"
+#include "cimserver/cimxml/Trailers.hpp"
 #include "cimserver/cimxml/Values.hpp"
 
 namespace cimserver::cimxml {
@@ -9,7 +10,7 @@ namespace cimserver::cimxml {
 using OpenWBEM::CIMException;
 
 AnswerWriter::AnswerWriter(Output& output, const AnswerTo& request)
-    : xml_(output), request_(request) {
+    : output_(output), xml_(output), request_(request) {
 }
 
 void AnswerWriter::Begin(Frame frame) {
@@ -21,14 +22,19 @@ void AnswerWriter::Begin(Frame frame) {
 }
 
 void AnswerWriter::Finish() {
-    ThrowEarlierFailure();
-    if (frame_ == Frame::ReturnValue) {
-        xml_.Markup("</IRETURNVALUE>");
-    }
-    CloseEnvelope();
+    WriteResult([this] {
+        if (frame_ == Frame::ReturnValue) {
+            xml_.Markup("</IRETURNVALUE>");
+        }
+        CloseEnvelope();
+    });
 }
 
 void AnswerWriter::Fail(const CIMException& error) {
+    if (output_.HasLeft()) {
+        output_.Trailers(TrailersOf(error));
+        return;
+    }
     xml_.Restart();
     OpenEnvelope();
     xml_.Markup("<ERROR CODE=\"");
@@ -87,14 +93,8 @@ void AnswerWriter::Instance(const OpenWBEM::CIMInstance& instance) {
     WriteResult([&] { WriteInstance(xml_, instance); });
 }
 
-void AnswerWriter::NamedInstance(const OpenWBEM::CIMObjectPath& path,
-                                 const OpenWBEM::CIMInstance& instance) {
-    WriteResult([&] {
-        xml_.Markup("<VALUE.NAMEDINSTANCE>");
-        WriteInstanceName(xml_, path);
-        WriteInstance(xml_, instance);
-        xml_.Markup("</VALUE.NAMEDINSTANCE>");
-    });
+void AnswerWriter::NamedInstance(const OpenWBEM::CIMInstance& instance) {
+    WriteResult([&] { WriteNamedInstance(xml_, instance); });
 }
 
 void AnswerWriter::InstanceName(const OpenWBEM::CIMObjectPath& path) {

@@ -32,14 +32,14 @@ public:
 
     void Begin(Frame frame);
     void Finish();
-    /// Drops what was written; the answer is this error.
+    /// Drops what was written; the answer is this error. Once text has left, the text stops where
+    /// it is and the error follows as trailers.
     void Fail(const OpenWBEM::CIMException& error);
 
     void Class(const OpenWBEM::CIMClass& cimClass) override;
     void ClassName(const OpenWBEM::String& name) override;
     void Instance(const OpenWBEM::CIMInstance& instance) override;
-    void NamedInstance(const OpenWBEM::CIMObjectPath& path,
-                       const OpenWBEM::CIMInstance& instance) override;
+    void NamedInstance(const OpenWBEM::CIMInstance& instance) override;
     void InstanceName(const OpenWBEM::CIMObjectPath& path) override;
     void InstanceWithPath(const OpenWBEM::CIMObjectPath& path,
                           const OpenWBEM::CIMInstance& instance) override;
@@ -58,6 +58,7 @@ private:
     template <class Write>
     void WriteResult(Write write);
 
+    Output& output_;
     XmlBuffer xml_;
     const AnswerTo& request_;
     Frame frame_ = Frame::None;

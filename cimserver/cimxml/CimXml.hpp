@@ -21,22 +21,33 @@ struct Message {
     std::string user; ///< empty: anonymous
 };
 
-/// Where the answer's text goes. One thread at a time.
-class Output {
-public:
-    virtual ~Output() = default;
-    virtual void Write(std::string_view text) = 0;
-    /// Forgets everything written so far, so that an error can take its place.
-    virtual void Restart() = 0;
-};
-
-/// What the transport sends beside the text.
+/// What the transport sends before the text.
 struct Status {
     int httpStatus = 200;
     HeaderList headers;
 };
 
+/// The trailers that may follow an answer's text (DMTF DSP0200), as a Trailer header lists them.
+inline constexpr const char* trailerNames = "CIMStatusCode, CIMStatusCodeDescription";
+
+/// Where the answer goes. One thread at a time.
+class Output {
+public:
+    virtual ~Output() = default;
+    /// Comes before any text; the last one counts.
+    virtual void Head(const Status& status) = 0;
+    /// Throws std::runtime_error when the text can be neither sent nor kept.
+    virtual void Write(std::string_view text) = 0;
+    /// True: some of the text is on its way and stays the answer's beginning.
+    virtual bool HasLeft() const = 0;
+    /// Forgets everything written so far, so that an error can take its place. Not once text has
+    /// left.
+    virtual void Restart() = 0;
+    /// What follows the text. Only once text has left.
+    virtual void Trailers(const HeaderList& trailers) = 0;
+};
+
 /// Answers one message: a CIM error is part of the answer, never an exception.
-Status Answer(const Message& message, operations::Executor& executor, Output& output);
+void Answer(const Message& message, operations::Executor& executor, Output& output);
 
 } // namespace cimserver::cimxml

@@ -1,5 +1,6 @@
 #include "cimserver/cimxml/Elements.hpp"
 
+#include "OW_CIMModelView.hpp"
 #include "cimserver/cimxml/Values.hpp"
 
 namespace cimserver::cimxml {
@@ -59,12 +60,13 @@ void WriteFlavors(XmlBuffer& xml, const CIMQualifier& qualifier) {
 
 void WriteQualifiers(XmlBuffer& xml, const CIMQualifierArray& qualifiers) {
     for (const CIMQualifier& qualifier : qualifiers) {
-        const CIMValue value = qualifier.getValue();
-        const std::string_view type = TypeAttribute(qualifier.getDataType().getType());
+        const CIMValue& value = CIMModelView::value(qualifier);
+        const std::string_view type =
+            TypeAttribute(value ? value.getType() : qualifier.getDataType().getType());
         if (type.empty()) {
             Fail("Qualifier " + qualifier.getName() + " has no type defined");
         }
-        WriteName(xml, "<QUALIFIER NAME=\"", "A qualifier", qualifier.getName());
+        WriteName(xml, "<QUALIFIER NAME=\"", "A qualifier", CIMModelView::name(qualifier));
         xml.Markup(type);
         WritePropagated(xml, qualifier.getPropagated());
         WriteFlavors(xml, qualifier);
@@ -79,10 +81,10 @@ void WriteQualifiers(XmlBuffer& xml, const CIMQualifierArray& qualifiers) {
 /// The attributes and the content that all kinds of properties have in common.
 void WriteRestOfProperty(XmlBuffer& xml, const CIMProperty& property, const CIMValue& value,
                          Shape shape) {
-    WriteOptional(xml, " CLASSORIGIN=\"", property.getOriginClass());
+    WriteOptional(xml, " CLASSORIGIN=\"", CIMModelView::originClass(property));
     WritePropagated(xml, property.getPropagated());
     xml.Markup(">");
-    WriteQualifiers(xml, property.getQualifiers());
+    WriteQualifiers(xml, CIMModelView::qualifiers(property));
     if (value) {
         WriteValue(xml, value, shape);
     }
@@ -93,18 +95,18 @@ void WriteReferenceProperty(XmlBuffer& xml, const CIMProperty& property, const C
     if (shape.isArray) {
         Fail("Property " + property.getName() + " is an array of references");
     }
-    WriteName(xml, "<PROPERTY.REFERENCE NAME=\"", "A property", property.getName());
+    WriteName(xml, "<PROPERTY.REFERENCE NAME=\"", "A property", CIMModelView::name(property));
     WriteOptional(xml, " REFERENCECLASS=\"", type.getRefClassName());
     WriteRestOfProperty(xml, property, value, shape);
     xml.Markup("</PROPERTY.REFERENCE>");
 }
 
 void WriteProperty(XmlBuffer& xml, const CIMProperty& property) {
-    const CIMDataType declared = property.getDataType();
+    const CIMDataType& declared = CIMModelView::type(property);
     if (!declared) {
         Fail("Property " + property.getName() + " has no type defined");
     }
-    const CIMValue value = property.getValue();
+    const CIMValue& value = CIMModelView::value(property);
     const Shape shape = value ? ShapeOf(value) : Shape{declared.getType(), declared.isArrayType()};
     if (shape.type == CIMDataType::REFERENCE) {
         WriteReferenceProperty(xml, property, declared, value, shape);
@@ -115,7 +117,7 @@ void WriteProperty(XmlBuffer& xml, const CIMProperty& property) {
         Fail("Property " + property.getName() + " holds an embedded object");
     }
     WriteName(xml, shape.isArray ? "<PROPERTY.ARRAY NAME=\"" : "<PROPERTY NAME=\"", "A property",
-              property.getName());
+              CIMModelView::name(property));
     xml.Markup(type);
     if (shape.isArray) {
         WriteArraySize(xml, declared);
@@ -175,11 +177,19 @@ void WriteMethod(XmlBuffer& xml, const CIMMethod& method) {
 } // namespace
 
 void WriteInstance(XmlBuffer& xml, const CIMInstance& instance) {
-    WriteName(xml, "<INSTANCE CLASSNAME=\"", "An instance's class", instance.getClassName());
+    WriteName(xml, "<INSTANCE CLASSNAME=\"", "An instance's class",
+              CIMModelView::className(instance));
     xml.Markup(">");
-    WriteQualifiers(xml, instance.getQualifiers());
-    WriteProperties(xml, instance.getProperties());
+    WriteQualifiers(xml, CIMModelView::qualifiers(instance));
+    WriteProperties(xml, CIMModelView::properties(instance));
     xml.Markup("</INSTANCE>");
+}
+
+void WriteNamedInstance(XmlBuffer& xml, const CIMInstance& instance) {
+    xml.Markup("<VALUE.NAMEDINSTANCE>");
+    WriteInstanceName(xml, CIMModelView::className(instance), CIMModelView::keys(instance));
+    WriteInstance(xml, instance);
+    xml.Markup("</VALUE.NAMEDINSTANCE>");
 }
 
 void WriteClass(XmlBuffer& xml, const CIMClass& cimClass) {

@@ -12,6 +12,9 @@ namespace cimserver::cimxml {
 /// INSTANCE.
 void WriteInstance(XmlBuffer& xml, const OpenWBEM::CIMInstance& instance);
 
+/// VALUE.NAMEDINSTANCE: the instance behind the name that its keys give it.
+void WriteNamedInstance(XmlBuffer& xml, const OpenWBEM::CIMInstance& instance);
+
 /// CLASS.
 void WriteClass(XmlBuffer& xml, const OpenWBEM::CIMClass& cimClass);
 

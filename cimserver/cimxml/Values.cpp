@@ -1,5 +1,7 @@
 #include "cimserver/cimxml/Values.hpp"
 
+#include "OW_CIMModelView.hpp"
+
 #include <cmath>
 
 namespace cimserver::cimxml {
@@ -111,6 +113,11 @@ void WriteScalar(XmlBuffer& xml, const CIMValue& value) {
     WriteText(xml, scalar);
 }
 
+template <>
+void WriteScalar<String>(XmlBuffer& xml, const CIMValue& value) {
+    xml.Text(View(*CIMModelView::text(value)));
+}
+
 template <class T>
 void WriteArray(XmlBuffer& xml, const CIMValue& value) {
     Array<T> read;
@@ -191,12 +198,12 @@ std::string_view KeyValueStart(CIMDataType::Type type) {
 }
 
 void WriteKeyBinding(XmlBuffer& xml, const CIMProperty& key) {
-    const CIMValue value = key.getValue();
+    const CIMValue& value = CIMModelView::value(key);
     if (!value) {
         OW_THROWCIMMSG(CIMException::FAILED, ("Key " + key.getName() + " has no value").c_str());
     }
     const Shape shape = ShapeOf(value);
-    WriteAttribute(xml, "<KEYBINDING NAME=\"", key.getName());
+    WriteAttribute(xml, "<KEYBINDING NAME=\"", CIMModelView::name(key));
     if (shape.type == CIMDataType::REFERENCE) {
         xml.Markup(">");
         WriteReference(xml, value, shape.isArray);
@@ -269,10 +276,9 @@ void WriteClassName(XmlBuffer& xml, const String& name) {
     xml.Markup("></CLASSNAME>");
 }
 
-void WriteInstanceName(XmlBuffer& xml, const CIMObjectPath& path) {
-    WriteAttribute(xml, "<INSTANCENAME CLASSNAME=\"", path.getClassName());
+void WriteInstanceName(XmlBuffer& xml, const String& className, const CIMPropertyArray& keys) {
+    WriteAttribute(xml, "<INSTANCENAME CLASSNAME=\"", className);
     xml.Markup(">");
-    const CIMPropertyArray keys = path.getKeys();
     for (const CIMProperty& key : keys) {
         WriteKeyBinding(xml, key);
     }
@@ -285,6 +291,10 @@ void WriteNameSpacePath(XmlBuffer& xml, const CIMObjectPath& path) {
     xml.Markup("</HOST>");
     WriteLocalNameSpacePath(xml, path);
     xml.Markup("</NAMESPACEPATH>");
+}
+
+void WriteInstanceName(XmlBuffer& xml, const CIMObjectPath& path) {
+    WriteInstanceName(xml, path.getClassName(), path.getKeys());
 }
 
 } // namespace cimserver::cimxml

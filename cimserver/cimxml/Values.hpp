@@ -38,6 +38,10 @@ void WriteValue(XmlBuffer& xml, const OpenWBEM::CIMValue& value, Shape shape);
 /// CLASSNAME.
 void WriteClassName(XmlBuffer& xml, const OpenWBEM::String& name);
 
+/// INSTANCENAME.
+void WriteInstanceName(XmlBuffer& xml, const OpenWBEM::String& className,
+                       const OpenWBEM::CIMPropertyArray& keys);
+
 /// INSTANCENAME with the path's class name and keys.
 void WriteInstanceName(XmlBuffer& xml, const OpenWBEM::CIMObjectPath& path);
 

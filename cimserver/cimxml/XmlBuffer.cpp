@@ -29,18 +29,42 @@ constexpr std::uint64_t ZeroBytes(std::uint64_t bytes) {
     return (bytes - InEveryByte(1)) & ~bytes;
 }
 
+template <class Word>
+std::uint64_t Load(const char* at) {
+    Word word = 0;
+    std::memcpy(&word, at, sizeof word);
+    return word;
+}
+
 /// Eight bytes at once: false only when all are plain; a tab or line end also makes it true.
-bool MayHoldSpecial(const char* at) {
-    std::uint64_t bytes = 0;
-    std::memcpy(&bytes, at, sizeof bytes);
+bool MayHoldSpecial(std::uint64_t bytes) {
     const std::uint64_t controls = (bytes - InEveryByte(0x20)) & ~bytes;
     const std::uint64_t angles = ZeroBytes((bytes & InEveryByte(0xFD)) ^ InEveryByte('<'));
     const std::uint64_t quoteOrAnd = ZeroBytes((bytes & InEveryByte(0xFB)) ^ InEveryByte('"'));
     return ((bytes | controls | angles | quoteOrAnd) & InEveryByte(0x80)) != 0;
 }
 
+/// True only when all bytes are plain. The last eight may have been looked at already.
+bool IsPlain(std::string_view bytes) {
+    const char* at = bytes.data();
+    const char* const end = at + bytes.size();
+    if (bytes.size() >= 8) {
+        for (; end - at > 8; at += 8) {
+            if (MayHoldSpecial(Load<std::uint64_t>(at))) {
+                return false;
+            }
+        }
+        return !MayHoldSpecial(Load<std::uint64_t>(end - 8));
+    }
+    if (bytes.size() >= 4) {
+        return !MayHoldSpecial(Load<std::uint32_t>(at) | Load<std::uint32_t>(end - 4) << 32);
+    }
+    return std::all_of(at, end,
+                       [](char byte) { return isPlain[static_cast<unsigned char>(byte)]; });
+}
+
 const char* EndOfPlain(const char* at, const char* end) {
-    while (end - at >= 8 && !MayHoldSpecial(at)) {
+    while (end - at >= 8 && !MayHoldSpecial(Load<std::uint64_t>(at))) {
         at += 8;
     }
     while (at != end && isPlain[static_cast<unsigned char>(*at)]) {
@@ -124,6 +148,10 @@ void XmlBuffer::MarkupInPortions(std::string_view bytes) {
 }
 
 void XmlBuffer::Text(std::string_view bytes) {
+    if (IsPlain(bytes)) {
+        Markup(bytes);
+        return;
+    }
     const char* at = bytes.data();
     const char* const end = at + bytes.size();
     while (at != end) {

@@ -26,38 +26,38 @@ struct Request {
     std::string clientAddress;
 };
 
-/// The bytes of one answer. Filled by the thread that makes the answer, then read by the thread
-/// that sends it; never both at once. Grows by blocks, so that appending never moves what is there.
-class AnswerBody {
-public:
-    AnswerBody();
-    ~AnswerBody();
-    AnswerBody(const AnswerBody&) = delete;
-    AnswerBody& operator=(const AnswerBody&) = delete;
-
-    void Append(std::string_view bytes);
-    /// Drops everything appended so far: the answer starts again.
-    void Clear();
-    std::uint64_t Size() const;
-    /// Copies at most `room` bytes from `position` on; 0 only at the end.
-    std::size_t Read(std::uint64_t position, char* target, std::size_t room) const;
-    /// All bytes as they lie in memory, in order; valid until the next Append or Clear.
-    std::vector<std::string_view> Pieces() const;
-
-private:
-    struct Blocks;
-    std::unique_ptr<Blocks> blocks_;
-};
-
-struct Response {
+/// What comes before an answer's text.
+struct Head {
     int status = 200;
     std::vector<Header> headers;
-    std::shared_ptr<AnswerBody> body; ///< null: an empty body
+    std::string trailerNames; ///< those that may follow the text, as a Trailer header lists them
 };
 
-/// Called from several connection threads at once; may block. An exception that escapes becomes
-/// status 500.
-using Handler = std::function<Response(const Request&)>;
+/// The answer to one request while its handler makes it. Used by the thread that runs the handler;
+/// none of its functions waits for the client. What the client has not taken yet is kept in memory
+/// up to a bound and beyond that in a file. To a client that takes trailers (RFC 9110, 6.5) the
+/// text leaves while it is made, once a first portion of it is there; to any other client it leaves
+/// when the handler has returned.
+class Answer {
+public:
+    virtual ~Answer() = default;
+
+    /// Has no effect once text has left. Without it the status is 200.
+    virtual void SetHead(Head head) = 0;
+    /// Throws std::runtime_error with the reason when there is no room to keep the bytes; then the
+    /// answer can be cleared, or has to end as it is.
+    virtual void Append(std::string_view bytes) = 0;
+    /// True: head and text are on their way, an error can be told by trailers only.
+    virtual bool HasLeft() const = 0;
+    /// Drops everything appended so far: the answer starts again. Not once text has left.
+    virtual void Clear() = 0;
+    /// What follows the text. Only once text has left.
+    virtual void SetTrailers(std::vector<Header> trailers) = 0;
+};
+
+/// Called from several threads at once; may block. An exception that escapes becomes status 500, or
+/// closes the connection within the answer when text has left.
+using Handler = std::function<void(const Request&, Answer&)>;
 
 struct Settings {
     std::string address = "127.0.0.1"; ///< IPv4 or IPv6 in numeric form
@@ -65,6 +65,7 @@ struct Settings {
     unsigned maxConnections = 30;      ///< a connection above that is closed at once
     std::size_t maxBodyBytes = std::size_t{1024} * 1024;
     unsigned idleSeconds = 300;
+    std::string spoolDirectory; ///< for large answers; empty: $TMPDIR, or /tmp
 };
 
 /// The address cannot be listened on; the text says which and why.

@@ -1,11 +1,13 @@
+#include "cimserver/http/Exchange.hpp"
 #include "cimserver/http/Http.hpp"
 #include "cimserver/http/ListeningSocket.hpp"
+#include "cimserver/http/Sending.hpp"
 
 #include <array>
 #include <charconv>
-#include <csignal>
 #include <cstring>
 #include <new>
+#include <system_error>
 #include <utility>
 
 #include <microhttpd.h>
@@ -20,31 +22,9 @@ namespace {
 /// can be sent only after its end; then the connection is closed.
 constexpr std::size_t bytesReadInVain = 64 * 1024;
 
-/// One request while it arrives. Made when its first line was read, deleted when its answer is
-/// sent.
-struct Exchange {
-    Request request;
-    bool begun = false;
-    bool tooLarge = false;
-    std::size_t discarded = 0;
-};
-
-/// The library's threads block SIGPIPE, and a handler's child processes would inherit that.
-class SignalsAsForPrograms {
-public:
-    SignalsAsForPrograms() {
-        sigset_t none;
-        sigemptyset(&none);
-        sigaddset(&none, SIGPIPE);
-        pthread_sigmask(SIG_UNBLOCK, &none, &before_);
-    }
-    ~SignalsAsForPrograms() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
-    SignalsAsForPrograms(const SignalsAsForPrograms&) = delete;
-    SignalsAsForPrograms& operator=(const SignalsAsForPrograms&) = delete;
-
-private:
-    sigset_t before_{};
-};
+/// The HTTP library's memory of a connection: the head of a request has to fit, and a chunk of an
+/// answer is never longer.
+constexpr std::size_t connectionMemory = 64 * 1024;
 
 std::string ClientAddress(MHD_Connection* connection) {
     const MHD_ConnectionInfo* info =
@@ -78,50 +58,6 @@ std::uint64_t AnnouncedLength(MHD_Connection* connection) {
     return length;
 }
 
-void ReleaseBody(void* body) {
-    delete static_cast<std::shared_ptr<AnswerBody>*>(body);
-}
-
-/// The response reads the body's own memory and keeps the body alive.
-MHD_Response* MakeResponse(const Response& answer) {
-    std::vector<MHD_IoVec> pieces;
-    if (answer.body != nullptr) {
-        for (const std::string_view piece : answer.body->Pieces()) {
-            pieces.push_back({piece.data(), piece.size()});
-        }
-    }
-    if (pieces.empty()) {
-        return MHD_create_response_from_buffer(0, nullptr, MHD_RESPMEM_PERSISTENT);
-    }
-    auto owner = std::make_unique<std::shared_ptr<AnswerBody>>(answer.body);
-    MHD_Response* response = MHD_create_response_from_iovec(
-        pieces.data(), static_cast<unsigned>(pieces.size()), &ReleaseBody, owner.get());
-    if (response != nullptr) {
-        static_cast<void>(owner.release());
-    }
-    return response;
-}
-
-MHD_Result Send(MHD_Connection* connection, const Response& answer) {
-    MHD_Response* response = MakeResponse(answer);
-    if (response == nullptr) {
-        return MHD_NO;
-    }
-    for (const Header& header : answer.headers) {
-        MHD_add_response_header(response, header.name.c_str(), header.value.c_str());
-    }
-    const MHD_Result result =
-        MHD_queue_response(connection, static_cast<unsigned>(answer.status), response);
-    MHD_destroy_response(response);
-    return result;
-}
-
-Response BareStatus(int status) {
-    Response answer;
-    answer.status = status;
-    return answer;
-}
-
 } // namespace
 
 struct Server::Daemon {
@@ -139,8 +75,8 @@ struct Server::Daemon {
 
     MHD_Result TakeHead(MHD_Connection* connection, const char* method, Exchange& exchange) const;
     MHD_Result TakeBody(Exchange& exchange, const char* data, std::size_t& size) const;
-    MHD_Result AnswerRequest(MHD_Connection* connection, const Exchange& exchange) const;
-    Response CallHandler(const Request& request) const;
+    MHD_Result AnswerRequest(MHD_Connection* connection, const char* version,
+                             Exchange& exchange) const;
 
     Settings settings;
     Handler handler;
@@ -150,15 +86,19 @@ struct Server::Daemon {
 
 Server::Daemon::Daemon(const Settings& chosen, Handler chosenHandler)
     : settings(chosen), handler(std::move(chosenHandler)) {
+    if (settings.spoolDirectory.empty()) {
+        settings.spoolDirectory = TemporaryDirectory();
+    }
     ListeningSocket socket(settings.address, settings.port);
     port = socket.Port();
     constexpr unsigned flags =
         MHD_USE_THREAD_PER_CONNECTION | MHD_USE_INTERNAL_POLLING_THREAD | MHD_USE_POLL;
     daemon = MHD_start_daemon(
         flags, port, nullptr, nullptr, &Receive, this, MHD_OPTION_LISTEN_SOCKET,
-        socket.Descriptor(), MHD_OPTION_CONNECTION_LIMIT, settings.maxConnections,
-        MHD_OPTION_CONNECTION_TIMEOUT, settings.idleSeconds, MHD_OPTION_URI_LOG_CALLBACK, &Begin,
-        this, MHD_OPTION_NOTIFY_COMPLETED, &End, this, MHD_OPTION_END);
+        socket.Descriptor(), MHD_OPTION_CONNECTION_MEMORY_LIMIT, connectionMemory,
+        MHD_OPTION_CONNECTION_LIMIT, settings.maxConnections, MHD_OPTION_CONNECTION_TIMEOUT,
+        settings.idleSeconds, MHD_OPTION_URI_LOG_CALLBACK, &Begin, this,
+        MHD_OPTION_NOTIFY_COMPLETED, &End, this, MHD_OPTION_END);
     // The HTTP library closes the socket, some of its failures included.
     socket.Release();
     if (daemon == nullptr) {
@@ -173,9 +113,7 @@ Server::Daemon::~Daemon() {
 
 void* Server::Daemon::Begin(void* /*self*/, const char* target, MHD_Connection* /*connection*/) {
     try {
-        auto exchange = std::make_unique<Exchange>();
-        exchange->request.target = target;
-        return exchange.release();
+        return std::make_unique<Exchange>(target).release();
     } catch (const std::bad_alloc&) {
         return nullptr;
     }
@@ -188,7 +126,7 @@ void Server::Daemon::End(void* /*self*/, MHD_Connection* /*connection*/, void** 
 }
 
 MHD_Result Server::Daemon::Receive(void* self, MHD_Connection* connection, const char* /*url*/,
-                                   const char* method, const char* /*version*/, const char* data,
+                                   const char* method, const char* version, const char* data,
                                    std::size_t* size, void** state) {
     const Daemon& daemon = *static_cast<const Daemon*>(self);
     auto* exchange = static_cast<Exchange*>(*state);
@@ -203,7 +141,7 @@ MHD_Result Server::Daemon::Receive(void* self, MHD_Connection* connection, const
         if (*size != 0) {
             return daemon.TakeBody(*exchange, data, *size);
         }
-        return daemon.AnswerRequest(connection, *exchange);
+        return daemon.AnswerRequest(connection, version, *exchange);
     } catch (const std::exception&) {
         return MHD_NO;
     }
@@ -215,7 +153,7 @@ MHD_Result Server::Daemon::TakeHead(MHD_Connection* connection, const char* meth
     exchange.request.clientAddress = ClientAddress(connection);
     MHD_get_connection_values(connection, MHD_HEADER_KIND, &AddHeader, &exchange.request.headers);
     if (AnnouncedLength(connection) > settings.maxBodyBytes) {
-        return Send(connection, BareStatus(MHD_HTTP_CONTENT_TOO_LARGE));
+        return SendBareStatus(connection, MHD_HTTP_CONTENT_TOO_LARGE);
     }
     return MHD_YES;
 }
@@ -232,20 +170,16 @@ MHD_Result Server::Daemon::TakeBody(Exchange& exchange, const char* data, std::s
     return exchange.discarded <= bytesReadInVain ? MHD_YES : MHD_NO;
 }
 
-MHD_Result Server::Daemon::AnswerRequest(MHD_Connection* connection,
-                                         const Exchange& exchange) const {
+MHD_Result Server::Daemon::AnswerRequest(MHD_Connection* connection, const char* version,
+                                         Exchange& exchange) const {
     if (exchange.tooLarge) {
-        return Send(connection, BareStatus(MHD_HTTP_CONTENT_TOO_LARGE));
+        return SendBareStatus(connection, MHD_HTTP_CONTENT_TOO_LARGE);
     }
-    return Send(connection, CallHandler(exchange.request));
-}
-
-Response Server::Daemon::CallHandler(const Request& request) const {
-    const SignalsAsForPrograms signals;
     try {
-        return handler(request);
-    } catch (...) {
-        return BareStatus(MHD_HTTP_INTERNAL_SERVER_ERROR);
+        const bool canStream = TakesTrailers(exchange.request, version);
+        return Send(connection, exchange.Make(handler, canStream, settings.spoolDirectory));
+    } catch (const std::system_error&) {
+        return SendBareStatus(connection, MHD_HTTP_SERVICE_UNAVAILABLE);
     }
 }
 

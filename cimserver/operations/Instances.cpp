@@ -20,16 +20,12 @@ using OpenWBEM::CIMObjectPath;
 
 class NamedInstances final : public OpenWBEM::CIMInstanceResultHandlerIFC {
 public:
-    NamedInstances(const OpenWBEM::String& nameSpace, ResultSink& sink)
-        : nameSpace_(nameSpace), sink_(sink) {}
+    explicit NamedInstances(ResultSink& sink) : sink_(sink) {}
 
 protected:
-    void doHandle(const CIMInstance& instance) override {
-        sink_.NamedInstance(CIMObjectPath(nameSpace_, instance), instance);
-    }
+    void doHandle(const CIMInstance& instance) override { sink_.NamedInstance(instance); }
 
 private:
-    const OpenWBEM::String& nameSpace_;
     ResultSink& sink_;
 };
 
@@ -65,7 +61,7 @@ void AskAll(const OpenWBEM::String& className, const Surroundings& around, const
 } // namespace
 
 void Carry(const EnumerateInstances& call, const Surroundings& around, ResultSink& sink) {
-    NamedInstances handler(around.nameSpace, sink);
+    NamedInstances handler(sink);
     AskAll(call.className, around, "EnumerateInstances",
            [&](auto& provider, const auto& env, const auto& requestedClass, const auto& cimClass) {
                provider.enumInstances(env, around.nameSpace, cimClass.getName(), handler,

@@ -143,9 +143,8 @@ public:
     virtual void Class(const OpenWBEM::CIMClass& cimClass) = 0;
     virtual void ClassName(const OpenWBEM::String& name) = 0;
     virtual void Instance(const OpenWBEM::CIMInstance& instance) = 0;
-    /// An instance with the name under which it can be read again.
-    virtual void NamedInstance(const OpenWBEM::CIMObjectPath& path,
-                               const OpenWBEM::CIMInstance& instance) = 0;
+    /// An instance together with its name, which its class and its own keys make.
+    virtual void NamedInstance(const OpenWBEM::CIMInstance& instance) = 0;
     virtual void InstanceName(const OpenWBEM::CIMObjectPath& path) = 0;
     // The results of associations: paths with host and namespace.
     virtual void InstanceWithPath(const OpenWBEM::CIMObjectPath& path,

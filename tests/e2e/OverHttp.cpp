@@ -64,9 +64,10 @@ ClientRun OverHttp::Wbemcli(const std::string& operation, const std::string& obj
                       (object.empty() ? "" : ":" + object) + "' " + moreWords);
 }
 
-test_support::HttpAnswer OverHttp::Post(const std::string& body) {
+test_support::HttpAnswer OverHttp::Post(const std::string& body,
+                                        const test_support::HeaderList& moreHeaders) {
     test_support::CimClient client(proxy_->Port());
-    return client.Post(body);
+    return client.Post(body, moreHeaders);
 }
 
 std::string OverHttp::Prefix() const {

@@ -34,7 +34,8 @@ protected:
                       const std::string& nameSpace = "root/cimv2");
     /// The answer to the same kind of request from a client that reads XML; its answer is checked
     /// as well.
-    test_support::HttpAnswer Post(const std::string& body);
+    test_support::HttpAnswer Post(const std::string& body,
+                                  const test_support::HeaderList& moreHeaders = {});
 
     test_support::ServerProcess& Server() { return *server_; }
     /// What wbemcli prints before every object path.

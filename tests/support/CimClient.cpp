@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <stdexcept>
 #include <system_error>
+#include <utility>
 
 #include <netinet/in.h>
 #include <sys/socket.h>
@@ -75,15 +76,25 @@ bool CimClient::Fill() {
 }
 
 HttpAnswer CimClient::Receive() {
-    std::optional<HttpHead> head;
-    while (!(head = ReadHead(received_)) || received_.size() < head->length + head->bodyLength) {
+    std::optional<ReceivedAnswer> next;
+    while (!(next = ReadAnswer(received_))) {
         if (!Fill()) {
-            throw std::runtime_error("the connection was closed within an answer: " + received_);
+            throw std::runtime_error("the connection was closed within an answer: " +
+                                     received_.substr(0, 1000));
         }
     }
-    head->answer.body = received_.substr(head->length, head->bodyLength);
-    received_.erase(0, head->length + head->bodyLength);
-    return head->answer;
+    received_.erase(0, next->length);
+    return std::move(next->answer);
+}
+
+std::string CimClient::ReceiveBytes(std::size_t atLeast) {
+    while (received_.size() < atLeast) {
+        if (!Fill()) {
+            throw std::runtime_error("the connection was closed after " +
+                                     std::to_string(received_.size()) + " bytes");
+        }
+    }
+    return std::exchange(received_, {});
 }
 
 bool CimClient::IsClosedByServer() {
@@ -103,11 +114,11 @@ HttpAnswer CimClient::Request(std::string_view method, const HeaderList& headers
     return Receive();
 }
 
-HttpAnswer CimClient::Post(std::string_view body) {
-    return Request(
-        "POST",
-        {{"Content-Type", "application/xml; charset=\"utf-8\""}, {"CIMOperation", "MethodCall"}},
-        body);
+HttpAnswer CimClient::Post(std::string_view body, const HeaderList& moreHeaders) {
+    HeaderList headers = {{"Content-Type", "application/xml; charset=\"utf-8\""},
+                          {"CIMOperation", "MethodCall"}};
+    headers.insert(headers.end(), moreHeaders.begin(), moreHeaders.end());
+    return Request("POST", headers, body);
 }
 
 namespace {

@@ -18,6 +18,7 @@ struct HttpAnswer {
     int status = 0;
     HeaderList headers;
     std::string body;
+    HeaderList trailers;
 
     /// The value of the first header of that name (any case); empty when there is none.
     std::string Header(std::string_view name) const;
@@ -33,8 +34,10 @@ public:
 
     /// The bytes go out as they are.
     void Send(std::string_view bytes);
-    /// Reads one answer; its length must be announced.
+    /// Reads one answer, in chunks or with its length announced.
     HttpAnswer Receive();
+    /// Everything that has come, as it is, once it is so much.
+    std::string ReceiveBytes(std::size_t atLeast);
     /// Waits until the other side has closed; true when nothing came before.
     bool IsClosedByServer();
     /// No more bytes will follow; answers can still be read.
@@ -43,7 +46,7 @@ public:
     /// A request with Host, Content-Length and the headers given; then its answer.
     HttpAnswer Request(std::string_view method, const HeaderList& headers, std::string_view body);
     /// A CIM-XML operation request with the headers that every client sends.
-    HttpAnswer Post(std::string_view body);
+    HttpAnswer Post(std::string_view body, const HeaderList& moreHeaders = {});
 
 private:
     bool Fill();

@@ -167,12 +167,10 @@ void RecordingProxy::Pump(int client, int server, std::string& received) {
 }
 
 void RecordingProxy::Record(std::string& received) {
-    std::optional<HttpHead> head;
-    while ((head = ReadHead(received)) && received.size() >= head->length + head->bodyLength) {
-        head->answer.body = received.substr(head->length, head->bodyLength);
-        received.erase(0, head->length + head->bodyLength);
+    while (auto next = ReadAnswer(received)) {
+        received.erase(0, next->length);
         const std::lock_guard lock(mutex_);
-        answers_.push_back(std::move(head->answer));
+        answers_.push_back(std::move(next->answer));
     }
 }
 

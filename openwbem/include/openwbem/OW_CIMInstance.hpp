@@ -111,6 +111,7 @@ public:
     OW_SAFE_BOOL(m_pdata)
 
 private:
+    friend struct CIMModelView;
     void rebuildKeys();
     COWIntrusiveReference<CIMInstanceData> m_pdata;
 };

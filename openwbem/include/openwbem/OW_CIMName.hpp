@@ -40,6 +40,7 @@ public:
     int compareTo(const CIMName& other) const { return m_name.compareToIgnoreCase(other.m_name); }
 
 private:
+    friend struct CIMModelView;
     String m_name;
 };
 

@@ -82,6 +82,7 @@ public:
 
 private:
     friend struct CIMModelAccess;
+    friend struct CIMModelView;
     COWIntrusiveReference<CIMPropertyData> m_pdata;
 };
 

@@ -94,6 +94,7 @@ public:
 
 private:
     friend struct CIMModelAccess;
+    friend struct CIMModelView;
     COWIntrusiveReference<CIMQualifierData> m_pdata;
 };
 

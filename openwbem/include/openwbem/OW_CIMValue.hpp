@@ -169,6 +169,7 @@ public:
     OW_SAFE_BOOL(m_type != CIMDataType::CIMNULL)
 
 private:
+    friend struct CIMModelView;
     template <class T>
     void construct(const T& x);
     template <class T>

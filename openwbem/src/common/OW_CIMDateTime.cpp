@@ -30,10 +30,12 @@ UInt8 shortField(const char* text, std::size_t begin) {
 
 // Decimal with leading zeros to at least `width` digits.
 char* put(char* out, UInt32 value, int width) {
-    if (width == 2 && value < 100) {
-        *out++ = static_cast<char>('0' + value / 10);
-        *out++ = static_cast<char>('0' + value % 10);
-        return out;
+    static const UInt32 POWERS[] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000};
+    if (value < POWERS[width]) {
+        for (int place = width; place > 0; --place, value /= 10) {
+            out[place - 1] = static_cast<char>('0' + value % 10);
+        }
+        return out + width;
     }
     char digits[10];
     int count = 0;

@@ -1,19 +1,13 @@
 #include "OW_CIMInstance.hpp"
 
 #include "OW_CIMClass.hpp"
+#include "OW_CIMInstanceData.hpp"
 #include "OW_CIMModelData.hpp"
 #include "OW_NoSuchPropertyException.hpp"
 
 #include <utility>
 
 namespace OpenWBEM {
-
-struct CIMInstanceData : COWIntrusiveCountableBase {
-    CIMName className;
-    CIMPropertyArray properties;
-    CIMPropertyArray keys;
-    CIMQualifierArray qualifiers;
-};
 
 namespace {
 

@@ -111,7 +111,8 @@ TEST(AnswerOfManyResults, IsWholeAndInOrder) {
             instance.setProperty("S", CIMValue(String("text & ") + String(Int32(i))));
             CIMObjectPath path(CIMName("ZNX_A"), String("root/cimv2"));
             path.setKeyValue("N", CIMValue(UInt32(static_cast<unsigned>(i))));
-            sink.NamedInstance(path, instance);
+            instance.setKeys(path.getKeys());
+            sink.NamedInstance(instance);
         }
     });
     std::size_t at = 0;

@@ -209,10 +209,12 @@ TEST(NameWriter, ANameWithoutKeysHasNoBindings) {
 
 TEST(NameWriter, NamedInstancesHaveNameThenInstance) {
     EXPECT_EQ(ReturnValue([](ResultSink& sink) {
-                  sink.NamedInstance(KeyedPath("root"), CIMInstance("A"));
-                  sink.NamedInstance(CIMObjectPath(CIMName("C"), String("root")), CIMInstance("C"));
+                  CIMInstance keyed("A");
+                  keyed.setKeys(KeyedPath("root").getKeys());
+                  sink.NamedInstance(keyed);
+                  sink.NamedInstance(CIMInstance("C"));
               }),
-              R"(<VALUE.NAMEDINSTANCE><INSTANCENAME CLASSNAME="B"><KEYBINDING NAME="K">)"
+              R"(<VALUE.NAMEDINSTANCE><INSTANCENAME CLASSNAME="A"><KEYBINDING NAME="K">)"
               R"(<KEYVALUE VALUETYPE="string">a&quot;b</KEYVALUE></KEYBINDING></INSTANCENAME>)"
               R"(<INSTANCE CLASSNAME="A"></INSTANCE></VALUE.NAMEDINSTANCE><VALUE.NAMEDINSTANCE>)"
               R"(<INSTANCENAME CLASSNAME="C"></INSTANCENAME><INSTANCE CLASSNAME="C"></INSTANCE>)"

@@ -5,7 +5,32 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <stdexcept>
+
 namespace cimxml_test {
+
+void TextOutput::Head(const cimserver::cimxml::Status& status) {
+    EXPECT_EQ(text, "") << "the head comes first";
+    head = status;
+}
+
+void TextOutput::Write(std::string_view part) {
+    if (part.size() > room_ - std::min(room_, text.size())) {
+        throw std::runtime_error("no room for the answer");
+    }
+    text += part;
+}
+
+void TextOutput::Restart() {
+    EXPECT_FALSE(HasLeft());
+    text.clear();
+}
+
+void TextOutput::Trailers(const cimserver::cimxml::HeaderList& list) {
+    EXPECT_TRUE(HasLeft());
+    trailers = list;
+}
 
 std::string Reply::Header(std::string_view name) const {
     for (const auto& [key, value] : status.headers) {
@@ -20,7 +45,8 @@ Reply Ask(std::string_view body, cimserver::operations::Executor& executor,
           const cimserver::cimxml::HeaderList& headers, const std::string& method) {
     TextOutput output;
     Reply reply;
-    reply.status = cimserver::cimxml::Answer({method, headers, body, "somebody"}, executor, output);
+    cimserver::cimxml::Answer({method, headers, body, "somebody"}, executor, output);
+    reply.status = output.head;
     reply.text = output.text;
     if (reply.status.httpStatus == 200) {
         EXPECT_THAT(test_support::DtdProblems(reply.text), testing::IsEmpty()) << reply.text;

@@ -37,16 +37,27 @@ private:
     Action action_;
 };
 
+/// Keeps what it is given. Text leaves when so many bytes of it are there; with `room`, writing
+/// fails beyond that.
 class TextOutput : public cimserver::cimxml::Output {
 public:
-    void Write(std::string_view part) override { text += part; }
-    void Restart() override {
-        text.clear();
-        ++restarts;
-    }
+    explicit TextOutput(std::size_t leavesAt = std::string::npos,
+                        std::size_t room = std::string::npos)
+        : leavesAt_(leavesAt), room_(room) {}
 
+    void Head(const cimserver::cimxml::Status& status) override;
+    void Write(std::string_view part) override;
+    bool HasLeft() const override { return text.size() >= leavesAt_; }
+    void Restart() override;
+    void Trailers(const cimserver::cimxml::HeaderList& list) override;
+
+    cimserver::cimxml::Status head;
     std::string text;
-    int restarts = 0;
+    cimserver::cimxml::HeaderList trailers;
+
+private:
+    std::size_t leavesAt_;
+    std::size_t room_;
 };
 
 struct Reply {

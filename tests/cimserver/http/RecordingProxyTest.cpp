@@ -1,6 +1,8 @@
 // The proxy of the end-to-end tests forwards everything and keeps every answer.
 #include "support/RecordingProxy.hpp"
 
+#include "HttpTest.hpp"
+
 #include "cimserver/http/Http.hpp"
 #include "support/CimClient.hpp"
 
@@ -11,28 +13,20 @@
 
 namespace {
 
-using cimserver::http::AnswerBody;
-using cimserver::http::Request;
-using cimserver::http::Response;
 using cimserver::http::Server;
-using cimserver::http::Settings;
+using http_test::Answer;
+using http_test::AnyPort;
+using http_test::Request;
 using test_support::CimClient;
 using test_support::RecordingProxy;
 using testing::IsEmpty;
 
-Settings AnyPort() {
-    Settings settings;
-    settings.port = 0;
-    return settings;
-}
-
-Response Echo(const Request& request) {
-    Response response;
-    response.status = request.body.empty() ? 404 : 200;
-    response.headers = {{"X-Method", request.method}};
-    response.body = std::make_shared<AnswerBody>();
-    response.body->Append(request.body);
-    return response;
+void Echo(const Request& request, Answer& answer) {
+    answer.SetHead({request.body.empty() ? 404 : 200, {{"X-Method", request.method}}, "X-End"});
+    answer.Append(request.body);
+    if (answer.HasLeft()) {
+        answer.SetTrailers({{"X-End", "yes"}});
+    }
 }
 
 TEST(RecordingProxy, ForwardsBothWaysAndKeepsTheAnswers) {
@@ -63,6 +57,22 @@ TEST(RecordingProxy, KeepsLargeAnswersOfSeveralClientsAtOnce) {
     ASSERT_EQ(answers.size(), 2U);
     EXPECT_TRUE(answers[0].body == large);
     EXPECT_TRUE(answers[1].body == large);
+}
+
+TEST(RecordingProxy, KeepsAnswersInChunksWithTheirTrailers) {
+    const std::string large(900'000, 'x');
+    const Server server(AnyPort(), &Echo);
+    RecordingProxy proxy(server.Port());
+    CimClient client(proxy.Port());
+    EXPECT_TRUE(client.Request("POST", {{"TE", "trailers"}}, large).body == large);
+    EXPECT_EQ(client.Request("POST", {}, "next").body, "next");
+    const auto answers = proxy.Answers();
+    ASSERT_EQ(answers.size(), 2U);
+    EXPECT_EQ(answers[0].Header("Transfer-Encoding"), "chunked");
+    EXPECT_TRUE(answers[0].body == large);
+    EXPECT_EQ(answers[0].trailers, (test_support::HeaderList{{"X-End", "yes"}}));
+    EXPECT_EQ(answers[1].body, "next");
+    EXPECT_THAT(proxy.Problems(), IsEmpty());
 }
 
 TEST(RecordingProxy, SaysWhenThereIsNoServer) {

@@ -1,4 +1,6 @@
 // Limits of the HTTP service, and addresses that cannot be listened on.
+#include "HttpTest.hpp"
+
 #include "cimserver/http/Http.hpp"
 #include "support/CimClient.hpp"
 
@@ -12,9 +14,10 @@ namespace {
 
 using cimserver::http::ListenError;
 using cimserver::http::Request;
-using cimserver::http::Response;
 using cimserver::http::Server;
 using cimserver::http::Settings;
+using http_test::Answer;
+using http_test::Nothing;
 using test_support::CimClient;
 
 Settings WithBodyLimit(std::size_t bytes) {
@@ -29,10 +32,9 @@ struct Counting {
     std::atomic<int> calls = 0;
     std::atomic<std::size_t> lastSize = 0;
 
-    Response operator()(const Request& request) {
+    void operator()(const Request& request, Answer& /*answer*/) {
         ++calls;
         lastSize = request.body.size();
-        return {};
     }
 };
 
@@ -100,7 +102,7 @@ bool IsServed(std::uint16_t port) {
 TEST(HttpLimits, AConnectionAboveTheLimitIsClosedUntilThereIsRoom) {
     Settings settings = WithBodyLimit(1000);
     settings.maxConnections = 1;
-    Server server(settings, [](const Request&) { return Response{}; });
+    Server server(settings, &Nothing);
     auto first = std::make_unique<CimClient>(server.Port());
     EXPECT_EQ(first->Request("POST", {}, "").status, 200);
     EXPECT_TRUE(CimClient(server.Port()).IsClosedByServer());
@@ -117,7 +119,7 @@ TEST(HttpLimits, AConnectionAboveTheLimitIsClosedUntilThereIsRoom) {
 TEST(HttpLimits, AnIdleConnectionIsClosed) {
     Settings settings = WithBodyLimit(1000);
     settings.idleSeconds = 1;
-    Server server(settings, [](const Request&) { return Response{}; });
+    Server server(settings, &Nothing);
     CimClient client(server.Port());
     EXPECT_EQ(client.Request("POST", {}, "").status, 200);
     EXPECT_TRUE(client.IsClosedByServer());
@@ -126,9 +128,8 @@ TEST(HttpLimits, AnIdleConnectionIsClosed) {
 TEST(HttpLimits, TheTimeOfAHandlerIsNoIdleTime) {
     Settings settings = WithBodyLimit(1000);
     settings.idleSeconds = 1;
-    Server server(settings, [](const Request&) {
+    Server server(settings, [](const Request&, Answer&) {
         std::this_thread::sleep_for(std::chrono::milliseconds(2000));
-        return Response{};
     });
     CimClient client(server.Port());
     EXPECT_EQ(client.Request("POST", {}, "").status, 200);
@@ -140,7 +141,7 @@ std::string TextOfListenError(const std::string& address, std::uint16_t port) {
     settings.address = address;
     settings.port = port;
     try {
-        const Server server(settings, [](const Request&) { return Response{}; });
+        const Server server(settings, &Nothing);
     } catch (const ListenError& error) {
         return error.what();
     }
@@ -150,7 +151,7 @@ std::string TextOfListenError(const std::string& address, std::uint16_t port) {
 TEST(HttpListening, APortInUseIsNamedWithTheReason) {
     Settings settings;
     settings.port = 0;
-    const Server server(settings, [](const Request&) { return Response{}; });
+    const Server server(settings, &Nothing);
     EXPECT_EQ(TextOfListenError("127.0.0.1", server.Port()),
               "Cannot listen on 127.0.0.1:" + std::to_string(server.Port()) +
                   ": Address already in use");
@@ -169,12 +170,12 @@ TEST(HttpListening, AHostNameIsNoAddress) {
 TEST(HttpListening, ThePortIsFreeAgainAfterTheServersEnd) {
     Settings settings;
     settings.port = 0;
-    auto server = std::make_unique<Server>(settings, [](const Request&) { return Response{}; });
+    auto server = std::make_unique<Server>(settings, &Nothing);
     settings.port = server->Port();
     CimClient client(settings.port);
     client.Request("POST", {}, "");
     server.reset();
-    server = std::make_unique<Server>(settings, [](const Request&) { return Response{}; });
+    server = std::make_unique<Server>(settings, &Nothing);
     EXPECT_EQ(CimClient(settings.port).Request("POST", {}, "").status, 200);
 }
 

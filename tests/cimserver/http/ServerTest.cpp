@@ -1,3 +1,5 @@
+#include "HttpTest.hpp"
+
 #include "cimserver/http/Http.hpp"
 #include "support/CimClient.hpp"
 
@@ -16,26 +18,17 @@
 
 namespace {
 
-using cimserver::http::AnswerBody;
 using cimserver::http::Request;
-using cimserver::http::Response;
 using cimserver::http::Server;
-using cimserver::http::Settings;
+using http_test::Answer;
+using http_test::AnyPort;
+using http_test::Nothing;
+using http_test::OpenFileIn;
+using http_test::Pattern;
+using http_test::SpoolDirectory;
+using http_test::Text;
 using test_support::CimClient;
 using test_support::HttpAnswer;
-
-Settings AnyPort() {
-    Settings settings;
-    settings.port = 0;
-    return settings;
-}
-
-Response TextAnswer(std::string_view text) {
-    Response response;
-    response.body = std::make_shared<AnswerBody>();
-    response.body->Append(text);
-    return response;
-}
 
 std::string ValueOf(const Request& request, const std::string& name) {
     for (const auto& header : request.headers) {
@@ -48,9 +41,9 @@ std::string ValueOf(const Request& request, const std::string& name) {
 
 TEST(HttpServer, HandsTheWholeRequestToTheHandler) {
     Request seen;
-    Server server(AnyPort(), [&](const Request& request) {
+    Server server(AnyPort(), [&](const Request& request, Answer& answer) {
         seen = request;
-        return TextAnswer("ok");
+        answer.Append("ok");
     });
     CimClient client(server.Port());
     client.Send("M-POST /cimom%20x?a=1 HTTP/1.1\r\nHost: h\r\nX-One: 1\r\nX-One: 2\r\n"
@@ -67,11 +60,9 @@ TEST(HttpServer, HandsTheWholeRequestToTheHandler) {
 }
 
 TEST(HttpServer, SendsStatusHeadersAndBodyOfTheHandler) {
-    Server server(AnyPort(), [](const Request&) {
-        Response response = TextAnswer("body");
-        response.status = 207;
-        response.headers = {{"X-A", "1"}, {"X-B", "two words"}};
-        return response;
+    Server server(AnyPort(), [](const Request&, Answer& answer) {
+        answer.SetHead({207, {{"X-A", "1"}, {"X-B", "two words"}}, {}});
+        answer.Append("body");
     });
     CimClient client(server.Port());
     const HttpAnswer answer = client.Request("POST", {}, "");
@@ -82,7 +73,7 @@ TEST(HttpServer, SendsStatusHeadersAndBodyOfTheHandler) {
 }
 
 TEST(HttpServer, AnswersWithoutBodyHaveLengthZero) {
-    Server server(AnyPort(), [](const Request&) { return Response{}; });
+    Server server(AnyPort(), &Nothing);
     CimClient client(server.Port());
     const HttpAnswer answer = client.Request("GET", {}, "");
     EXPECT_EQ(answer.status, 200);
@@ -91,8 +82,8 @@ TEST(HttpServer, AnswersWithoutBodyHaveLengthZero) {
 
 TEST(HttpServer, KeepsTheConnectionForFurtherRequests) {
     std::atomic<int> calls = 0;
-    Server server(AnyPort(), [&](const Request& request) {
-        return TextAnswer(request.body + std::to_string(++calls));
+    Server server(AnyPort(), [&](const Request& request, Answer& answer) {
+        answer.Append(request.body + std::to_string(++calls));
     });
     CimClient client(server.Port());
     EXPECT_EQ(client.Request("POST", {}, "a").body, "a1");
@@ -101,7 +92,8 @@ TEST(HttpServer, KeepsTheConnectionForFurtherRequests) {
 }
 
 TEST(HttpServer, TakesAChunkedBody) {
-    Server server(AnyPort(), [](const Request& request) { return TextAnswer(request.body); });
+    Server server(AnyPort(),
+                  [](const Request& request, Answer& answer) { answer.Append(request.body); });
     CimClient client(server.Port());
     client.Send("POST / HTTP/1.1\r\nHost: h\r\nTransfer-Encoding: chunked\r\n\r\n"
                 "5\r\nhello\r\n6\r\n world\r\n0\r\n\r\n");
@@ -110,9 +102,9 @@ TEST(HttpServer, TakesAChunkedBody) {
 
 TEST(HttpServer, ServesClientsAtTheSameTime) {
     std::latch both(2);
-    Server server(AnyPort(), [&](const Request& request) {
+    Server server(AnyPort(), [&](const Request& request, Answer& answer) {
         both.arrive_and_wait();
-        return TextAnswer(request.body);
+        answer.Append(request.body);
     });
     auto ask = [&](const char* text) {
         return CimClient(server.Port()).Request("POST", {}, text).body;
@@ -124,17 +116,8 @@ TEST(HttpServer, ServesClientsAtTheSameTime) {
 
 TEST(HttpServer, SendsAFiftyMegabyteAnswerIntact) {
     constexpr std::size_t size = 50'000'003;
-    auto body = std::make_shared<AnswerBody>();
-    std::string expected(size, '\0');
-    for (std::size_t i = 0; i < size; ++i) {
-        expected[i] = static_cast<char>(i * 2654435761U >> 13U);
-    }
-    body->Append(expected);
-    Server server(AnyPort(), [&](const Request&) {
-        Response response;
-        response.body = body;
-        return response;
-    });
+    const std::string expected = Pattern(size);
+    Server server(AnyPort(), Text(expected));
     CimClient client(server.Port());
     for (int round = 0; round < 2; ++round) {
         const HttpAnswer answer = client.Request("POST", {}, "");
@@ -143,22 +126,56 @@ TEST(HttpServer, SendsAFiftyMegabyteAnswerIntact) {
     }
 }
 
-TEST(HttpServer, ReleasesTheBodyWhenItIsSent) {
-    std::weak_ptr<AnswerBody> sent;
-    Server server(AnyPort(), [&](const Request&) {
-        const Response response = TextAnswer(std::string(1'000'000, 'x'));
-        sent = response.body;
-        return response;
+TEST(HttpServer, AnAnswerThatDoesNotFitIntoMemoryIsInAFileUntilItIsSent) {
+    const SpoolDirectory directory;
+    const std::string expected = Pattern(5'000'000);
+    bool isInFile = false;
+    Server server(AnyPort(), [&](const Request&, Answer& answer) {
+        answer.Append(expected);
+        isInFile = OpenFileIn(directory.Path()).has_value();
     });
     CimClient client(server.Port());
-    client.Request("POST", {}, "");
+    EXPECT_TRUE(client.Request("POST", {}, "").body == expected);
+    EXPECT_TRUE(isInFile);
     client.FinishSending();
     EXPECT_TRUE(client.IsClosedByServer());
-    EXPECT_TRUE(sent.expired());
+    EXPECT_FALSE(OpenFileIn(directory.Path()).has_value());
+}
+
+TEST(HttpServer, AnAnswerThatCanBeKeptNowhereIsStatus500) {
+    const SpoolDirectory directory;
+    cimserver::http::Settings settings = AnyPort();
+    settings.spoolDirectory = directory.Path() + "/none";
+    std::string reason;
+    Server server(settings, [&](const Request& request, Answer& answer) {
+        try {
+            answer.Append(std::string(request.body.empty() ? 100 : 2'000'000, 'x'));
+        } catch (const std::runtime_error& error) {
+            reason = error.what();
+            throw;
+        }
+    });
+    CimClient client(server.Port());
+    const HttpAnswer answer = client.Request("POST", {}, "large");
+    EXPECT_EQ(answer.status, 500);
+    EXPECT_EQ(answer.body, "");
+    EXPECT_EQ(reason, "The answer needs a file in " + settings.spoolDirectory +
+                          ": No such file or directory");
+    EXPECT_EQ(client.Request("POST", {}, "").body.size(), 100U);
+}
+
+TEST(HttpServer, AClearedAnswerStartsAgain) {
+    Server server(AnyPort(), [](const Request&, Answer& answer) {
+        answer.Append(Pattern(3'000'000));
+        EXPECT_FALSE(answer.HasLeft());
+        answer.Clear();
+        answer.Append("short");
+    });
+    EXPECT_EQ(CimClient(server.Port()).Request("POST", {}, "").body, "short");
 }
 
 TEST(HttpServer, SmallAnswersLeaveAtOnce) {
-    Server server(AnyPort(), [](const Request&) { return TextAnswer("small"); });
+    Server server(AnyPort(), Text("small"));
     CimClient client(server.Port());
     client.Request("POST", {}, "warm up");
     const auto start = std::chrono::steady_clock::now();
@@ -171,7 +188,7 @@ TEST(HttpServer, SmallAnswersLeaveAtOnce) {
 
 TEST(HttpServer, AnExceptionOfTheHandlerBecomesStatus500AndTheServerGoesOn) {
     int call = 0;
-    Server server(AnyPort(), [&](const Request&) -> Response {
+    Server server(AnyPort(), [&](const Request&, Answer& answer) {
         switch (++call) {
         case 1:
             throw std::runtime_error("a secret");
@@ -180,7 +197,7 @@ TEST(HttpServer, AnExceptionOfTheHandlerBecomesStatus500AndTheServerGoesOn) {
         case 3:
             throw std::bad_alloc();
         default:
-            return TextAnswer("fine");
+            answer.Append("fine");
         }
     });
     CimClient client(server.Port());
@@ -196,11 +213,10 @@ TEST(HttpServer, TheDestructorWaitsForARunningHandler) {
     std::promise<void> entered;
     std::promise<void> mayLeave;
     std::atomic<bool> left = false;
-    auto server = std::make_unique<Server>(AnyPort(), [&](const Request&) {
+    auto server = std::make_unique<Server>(AnyPort(), [&](const Request&, Answer&) {
         entered.set_value();
         mayLeave.get_future().wait();
         left = true;
-        return Response{};
     });
     CimClient client(server->Port());
     client.Send("POST / HTTP/1.1\r\nHost: h\r\nContent-Length: 0\r\n\r\n");
@@ -229,12 +245,11 @@ TEST(HttpServer, ChildrenOfAHandlerInheritNeitherDescriptorsNorBlockedSignals) {
     const std::vector<std::string> before = InheritedDescriptors();
     std::vector<std::string> within;
     bool isAnySignalBlocked = true;
-    Server server(AnyPort(), [&](const Request&) {
+    Server server(AnyPort(), [&](const Request&, Answer&) {
         within = InheritedDescriptors();
         sigset_t blocked;
         pthread_sigmask(SIG_SETMASK, nullptr, &blocked);
         isAnySignalBlocked = sigisemptyset(&blocked) == 0;
-        return Response{};
     });
     CimClient(server.Port()).Request("POST", {}, "");
     EXPECT_THAT(within, testing::UnorderedElementsAreArray(before));
@@ -242,8 +257,7 @@ TEST(HttpServer, ChildrenOfAHandlerInheritNeitherDescriptorsNorBlockedSignals) {
 }
 
 TEST(HttpServer, AClientThatLeavesWithinAnAnswerEndsNothingElse) {
-    Server server(AnyPort(),
-                  [](const Request&) { return TextAnswer(std::string(30'000'000, 'x')); });
+    Server server(AnyPort(), Text(std::string(30'000'000, 'x')));
     {
         CimClient client(server.Port());
         client.Send("POST / HTTP/1.1\r\nHost: h\r\nContent-Length: 0\r\n\r\n");

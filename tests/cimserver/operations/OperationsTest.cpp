@@ -110,8 +110,8 @@ void KeepingSink::Instance(const OpenWBEM::CIMInstance& instance) {
     instances.push_back(instance);
 }
 
-void KeepingSink::NamedInstance(const OpenWBEM::CIMObjectPath& path,
-                                const OpenWBEM::CIMInstance& instance) {
+void KeepingSink::NamedInstance(const OpenWBEM::CIMInstance& instance) {
+    const OpenWBEM::CIMObjectPath path("root/cimv2", instance);
     lines.push_back("named " + Text(path.toString()) + " " + Text(instance.getClassName()));
     instances.push_back(instance);
 }

@@ -40,8 +40,7 @@ public:
     void Class(const OpenWBEM::CIMClass& cimClass) override;
     void ClassName(const OpenWBEM::String& name) override;
     void Instance(const OpenWBEM::CIMInstance& instance) override;
-    void NamedInstance(const OpenWBEM::CIMObjectPath& path,
-                       const OpenWBEM::CIMInstance& instance) override;
+    void NamedInstance(const OpenWBEM::CIMInstance& instance) override;
     void InstanceName(const OpenWBEM::CIMObjectPath& path) override;
     void InstanceWithPath(const OpenWBEM::CIMObjectPath& path,
                           const OpenWBEM::CIMInstance& instance) override;
