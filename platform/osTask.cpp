@@ -1,9 +1,9 @@
 #include "platform/osTask.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <memory>
 #include <new>
-#include <string>
 
 #include <pthread.h>
 
@@ -22,8 +22,9 @@ void* RunTask(void* pointer) {
 
 // Linux keeps 15 characters of a thread's name and refuses a longer one.
 void NameThread(pthread_t thread, const char* name) {
-    const std::string shortened = std::string(name).substr(0, 15);
-    pthread_setname_np(thread, shortened.c_str());
+    char shortened[16];
+    snprintf(shortened, sizeof shortened, "%s", name);
+    pthread_setname_np(thread, shortened);
 }
 
 } // namespace

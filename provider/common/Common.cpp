@@ -288,6 +288,10 @@ bool BackgroundTasksRun() {
     return backgroundTasks > 0;
 }
 
+void ThrowNotFound() {
+    OW_THROWCIM(CIMException::NOT_FOUND);
+}
+
 String InstanceIDOf(const CIMObjectPath& path) {
     const CIMProperty key = path.getKey("InstanceID");
     if (!key) {

@@ -81,7 +81,7 @@ const char* PatchkeeperError(int code);
 
 /// Marks an operation as in progress with the tool, then runs the command line on a task of its own
 /// and returns. Throws CIM_ERR_FAILED with the message id SWU_Error_ExecutionFailed when either of
-/// the two does not succeed. From the first task on the library stays in memory for good.
+/// the two does not succeed. From the first attempt on the library stays in memory for good.
 void SpawnBackgroundThread(const OpenWBEM::String& command);
 
 /// What such a task does. The argument is the command line, a pointer to an OpenWBEM::String that
@@ -92,6 +92,9 @@ void BackgroundThread(unsigned long argument);
 /// unloaded.
 bool BackgroundTasksRun();
 
+/// Throws CIM_ERR_NOT_FOUND without a text.
+[[noreturn]] void ThrowNotFound();
+
 /// The index of the first record whose InstanceID is exactly this text; CIM_ERR_NOT_FOUND without
 /// one. `List` is an Array of a record type with the member InstanceID.
 template <typename List>
@@ -101,7 +104,7 @@ int GetIndexFromInstanceID(const OpenWBEM::String& instanceID, const List& list)
             return static_cast<int>(i);
         }
     }
-    OW_THROWCIM(OpenWBEM::CIMException::NOT_FOUND);
+    ThrowNotFound();
 }
 
 /// The text of a path's key InstanceID. Without that key, or with a null value, the failure is

@@ -4,7 +4,7 @@
 //
 // The CIM server runs enumerations and gets in parallel. A refresh gathers its records aside and
 // publishes them at once; whoever reads takes a snapshot and works on that. The lock is held for
-// the exchange of a handle and for nothing else, never while the tool runs.
+// the exchange of a handle or the change of a record, never while the tool runs.
 //
 // Arrays are copy-on-write: read a snapshot through const only, a non-const access copies the list.
 

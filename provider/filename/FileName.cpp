@@ -10,7 +10,7 @@ using OpenWBEM::UInt16;
 namespace {
 
 const char* const COMMAND = "/qv/bin/patchkeeper --files ";
-const char* const TOO_MANY_RECORDS = "Too many records: more than 65535 lines from ";
+const char* const TOO_MANY_RECORDS = "Too many records: more than 65535 names from ";
 
 // ODDITY FN-1: an update without files shows these two names.
 const char* const DEFAULT_NAMES = "Filename1     Testname";

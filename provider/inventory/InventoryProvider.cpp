@@ -4,6 +4,7 @@
 #include "provider/common/SharedList.hpp"
 
 #include <cstring>
+#include <mutex>
 #include <string>
 
 using OpenWBEM::Array;
@@ -84,8 +85,9 @@ InventoryObject ReadRecord(size_t position, char* line) {
     return record;
 }
 
-bool IsCartridge(const InventoryObject& record) {
-    return record.Name == gEMCartridgeName;
+String CartridgeName() {
+    const std::lock_guard<std::mutex> lock(gSharedListLock);
+    return gEMCartridgeName;
 }
 
 CIMPropertyArray CartridgeKeys(const InventoryObject& record) {
@@ -104,7 +106,9 @@ CIMInstance CartridgeInstance(const InventoryObject& record) {
 
 void InventoryProvider::initialize(const ProviderEnvironmentIFCRef& env) {
     SetLogger(env);
-    gEMCartridgeName = env->getConfigItem("qv.em_filename", "znxliteEMcartridge");
+    const String name = env->getConfigItem("qv.em_filename", "znxliteEMcartridge");
+    const std::lock_guard<std::mutex> lock(gSharedListLock);
+    gEMCartridgeName = name;
 }
 
 void InventoryProvider::cleanup() {
@@ -153,8 +157,9 @@ void InventoryProvider::enumInstanceNames(const ProviderEnvironmentIFCRef&, cons
                                           CIMObjectPathResultHandlerIFC& result, const CIMClass&) {
     const List list = UpdateList();
     if (className == CARTRIDGE_CLASS) {
+        const String cartridge = CartridgeName();
         for (const InventoryObject& record : list) {
-            if (IsCartridge(record)) {
+            if (record.Name == cartridge) {
                 CIMObjectPath path(className, ns);
                 path.setKeys(CartridgeKeys(record));
                 result.handle(path);
@@ -176,8 +181,9 @@ void InventoryProvider::enumInstances(const ProviderEnvironmentIFCRef&, const St
                                       const CIMClass&, const CIMClass&) {
     const List list = UpdateList();
     if (className == CARTRIDGE_CLASS) {
+        const String cartridge = CartridgeName();
         for (const InventoryObject& record : list) {
-            if (IsCartridge(record)) {
+            if (record.Name == cartridge) {
                 result.handle(CartridgeInstance(record));
             }
         }
@@ -195,8 +201,9 @@ CIMInstance InventoryProvider::getInstance(const ProviderEnvironmentIFCRef&, con
     // ODDITY IN-4: answers from the last enumeration and never asks the tool.
     const List list = ListSnapshot(gInventoryList);
     if (instanceName.getClassName() == CARTRIDGE_CLASS) {
+        const String cartridge = CartridgeName();
         for (const InventoryObject& record : list) {
-            if (IsCartridge(record)) {
+            if (record.Name == cartridge) {
                 // ODDITY IN-5: always the first, whatever Version the path names.
                 return CartridgeInstance(record);
             }

@@ -22,7 +22,8 @@ struct InventoryObject {
 /// Replaced and read as SharedList.hpp says.
 extern OpenWBEM::Array<InventoryObject> gInventoryList;
 
-/// The name of the package that is the cartridge. Written by initialize only.
+/// The name of the package that is the cartridge. Written by initialize only, and guarded as the
+/// lists are: an enumeration of an earlier master may read it meanwhile.
 extern OpenWBEM::String gEMCartridgeName;
 
 /// Serves ZNX_SoftwareIdentity and ZNX_ElementManagerCartridgeVersionInfo. Enumerations run the

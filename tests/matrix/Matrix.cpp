@@ -103,6 +103,14 @@ Call ClientCall(const CIMObjectPath& path, const std::string& text,
     return {path.getClassName().c_str(), text, std::move(run)};
 }
 
+// Stands under the association in the table, whatever the path names.
+Call AssociationCall(const CIMObjectPath& path, const std::string& operation,
+                     const std::string& arguments, std::function<std::string(Scene&)> run) {
+    return {"ZNX_AvailableSoftwareFileList",
+            operation + " of " + path.getClassName().c_str() + " " + Keys(path) + arguments,
+            std::move(run)};
+}
+
 } // namespace
 
 std::string AnswerOf(const Call& call, Scene& scene) {
@@ -271,7 +279,7 @@ std::string Shown(const char* resultClass, const char* role) {
 } // namespace
 
 Call Associators(const CIMObjectPath& path, const Association& association) {
-    return ClientCall(path, "Associators " + Keys(path) + Shown(association), [=](Scene& scene) {
+    return AssociationCall(path, "Associators", Shown(association), [=](Scene& scene) {
         CIMInstanceArray instances;
         CIMInstanceArrayBuilder result(instances);
         scene.master.associators(scene.env, result, nameSpace, path, association.assocClass.c_str(),
@@ -283,37 +291,34 @@ Call Associators(const CIMObjectPath& path, const Association& association) {
 }
 
 Call AssociatorNames(const CIMObjectPath& path, const Association& association) {
-    return ClientCall(
-        path, "AssociatorNames " + Keys(path) + Shown(association), [=](Scene& scene) {
-            CIMObjectPathArray paths;
-            CIMObjectPathArrayBuilder result(paths);
-            scene.master.associatorNames(scene.env, result, nameSpace, path,
-                                         association.assocClass.c_str(),
-                                         association.resultClass.c_str(), association.role.c_str(),
-                                         association.resultRole.c_str());
-            return ShownList(paths);
-        });
+    return AssociationCall(path, "AssociatorNames", Shown(association), [=](Scene& scene) {
+        CIMObjectPathArray paths;
+        CIMObjectPathArrayBuilder result(paths);
+        scene.master.associatorNames(scene.env, result, nameSpace, path,
+                                     association.assocClass.c_str(),
+                                     association.resultClass.c_str(), association.role.c_str(),
+                                     association.resultRole.c_str());
+        return ShownList(paths);
+    });
 }
 
 Call References(const CIMObjectPath& path, const char* resultClass, const char* role) {
-    return ClientCall(
-        path, "References " + Keys(path) + Shown(resultClass, role), [=](Scene& scene) {
-            CIMInstanceArray instances;
-            CIMInstanceArrayBuilder result(instances);
-            scene.master.references(scene.env, result, nameSpace, path, resultClass, role,
-                                    E_EXCLUDE_QUALIFIERS, E_EXCLUDE_CLASS_ORIGIN, nullptr);
-            return ShownList(instances);
-        });
+    return AssociationCall(path, "References", Shown(resultClass, role), [=](Scene& scene) {
+        CIMInstanceArray instances;
+        CIMInstanceArrayBuilder result(instances);
+        scene.master.references(scene.env, result, nameSpace, path, resultClass, role,
+                                E_EXCLUDE_QUALIFIERS, E_EXCLUDE_CLASS_ORIGIN, nullptr);
+        return ShownList(instances);
+    });
 }
 
 Call ReferenceNames(const CIMObjectPath& path, const char* resultClass, const char* role) {
-    return ClientCall(
-        path, "ReferenceNames " + Keys(path) + Shown(resultClass, role), [=](Scene& scene) {
-            CIMObjectPathArray paths;
-            CIMObjectPathArrayBuilder result(paths);
-            scene.master.referenceNames(scene.env, result, nameSpace, path, resultClass, role);
-            return ShownList(paths);
-        });
+    return AssociationCall(path, "ReferenceNames", Shown(resultClass, role), [=](Scene& scene) {
+        CIMObjectPathArray paths;
+        CIMObjectPathArrayBuilder result(paths);
+        scene.master.referenceNames(scene.env, result, nameSpace, path, resultClass, role);
+        return ShownList(paths);
+    });
 }
 
 Call Plays(const char* option, const ToolAnswer& answer) {

@@ -34,12 +34,11 @@ struct Row {
     // The text that the shell is given for each run of the tool, in order, blanks and all; also of
     // what runs in the background. Of a tool that cannot be started there is no record.
     std::vector<std::string> commands;
-    // What the client gets:
-    //   a method:        string "text", boolean true, sint8 1, behind it , Name = string "text" for
-    //                    each out-parameter in order
-    //   an instance:     ZNX_Class { Name = string "N"; RebootRequired = boolean true; } in its
-    //   order a path:          /root/cimv2:ZNX_Class.Key="value" an enumeration:  its elements, a
-    //   line each; empty text for none a failure:       what Fails gives anything else:   empty
+    // What the client gets. A method: string "text", boolean true, sint8 1, and behind it
+    // `, Name = string "text"` for each out-parameter in order. An instance:
+    // ZNX_Class { Name = string "N"; RebootRequired = boolean true; } in its order. A path:
+    // /root/cimv2:ZNX_Class.Key="value". An enumeration: its elements, a line each, and the empty
+    // text for none. A failure: what Fails gives. Anything else: the empty text.
     std::string answer;
 };
 

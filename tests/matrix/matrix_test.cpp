@@ -5,6 +5,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <set>
+#include <string>
+
 namespace matrix {
 
 void PrintTo(const Table& table, std::ostream* out) {

@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::size_t longest = 400;
 
-// One line of text: what is no printable ASCII as an escape, and long texts cut in the middle.
+// One line of text: line ends and tabs as escapes, and long texts cut in the middle.
 std::string OneLine(const std::string& text) {
     if (text.size() > 2 * longest) {
         return OneLine(text.substr(0, longest / 2)) + "…(" + std::to_string(text.size()) +

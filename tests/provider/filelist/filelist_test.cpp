@@ -228,10 +228,10 @@ TEST_F(FileList, SeventyThousandFilesOfAnUpdateAreAFailure) {
     }
     tool.Plays("--files", ToolAnswer().Output(output));
     EXPECT_EQ(CimErrorOf([&] { References(Update("0")); }),
-              Failed("Too many records: more than 65535 lines from "
+              Failed("Too many records: more than 65535 names from "
                      "/qv/bin/patchkeeper --files vim-9.0"));
     EXPECT_EQ(CimErrorOf([&] { calls.EnumInstances(FILE_LIST); }),
-              Failed("Too many records: more than 65535 lines from "
+              Failed("Too many records: more than 65535 names from "
                      "/qv/bin/patchkeeper --files vim-9.0"));
     tool.Plays("--files", ToolAnswer().Output("n"));
     EXPECT_EQ(References(Update("0")).size(), 1U);

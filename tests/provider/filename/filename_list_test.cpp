@@ -165,7 +165,7 @@ protected:
     }
 
     const CimError tooMany =
-        Failed("Too many records: more than 65535 lines from /qv/bin/patchkeeper --files p-1");
+        Failed("Too many records: more than 65535 names from /qv/bin/patchkeeper --files p-1");
 };
 
 TEST_F(FileNameLimit, AsManyNamesAsTheCursorReaches) {
@@ -185,7 +185,7 @@ TEST_F(FileNameLimit, OneNameMoreIsAFailureThatKeepsThoseBefore) {
 TEST_F(FileNameLimit, SeventyThousandNamesEndTheFillingAndTheNextOneWorks) {
     PrintsNames(70000);
     EXPECT_EQ(Fill(), tooMany);
-    EXPECT_TRUE(log->Contains("INFO: Exception: Too many records: more than 65535 lines from "
+    EXPECT_TRUE(log->Contains("INFO: Exception: Too many records: more than 65535 names from "
                               "/qv/bin/patchkeeper --files p-1"));
     Prints("a");
     EXPECT_EQ(Fill().number, 0);

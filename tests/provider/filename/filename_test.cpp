@@ -137,7 +137,7 @@ TEST_F(FileName, SeventyThousandNamesAreAFailureAndNotFoundOneByOne) {
     }
     Prints(output);
     const auto error =
-        Failed("Too many records: more than 65535 lines from /qv/bin/patchkeeper --files ");
+        Failed("Too many records: more than 65535 names from /qv/bin/patchkeeper --files ");
     EXPECT_EQ(CimErrorOf([&] { calls.EnumInstances(FILE_NAMES); }), error);
     EXPECT_EQ(CimErrorOf([&] { calls.EnumInstanceNames(FILE_NAMES); }), error);
     EXPECT_EQ(CimErrorOf([&] { Get("n"); }), NotFound());

@@ -169,7 +169,17 @@ TEST_F(InventoryFailures, AnUnreadableDateIsTheLibrarysException) {
     EXPECT_THROW(Get("0"), DateTimeException);
 }
 
-TEST_F(InventoryFailures, TenMegabytesOfGarbage) {
+TEST_F(InventoryFailures, SeventyThousandPackagesAreAllServed) {
+    std::string output;
+    for (int i = 0; i < 70'000; ++i) {
+        output += Line("p" + std::to_string(i), "1");
+    }
+    Prints(output);
+    EXPECT_EQ(calls.EnumInstanceNames(IDENTITY).size(), 70'000U);
+    EXPECT_EQ(Get("69999").getPropertyValue("Name"), CIMValue("p69999"));
+}
+
+TEST_F(InventoryFailures, TenMegabytesOfGarbageLackAField) {
     Prints(std::string(10'000'000, 'x'));
     EXPECT_EQ(Enumerate(), Failed(MissingField("Version")));
 }

@@ -1,7 +1,7 @@
 #include "provider/common/Common.hpp"
 
-// The library's objects with a way in for the tests: no class served today starts a background
-// task.
+// The library's objects with a way in for the tests, which start a background task with a command
+// of their own.
 extern "C" {
 void hookStartBackground(const char* command);
 bool hookBackgroundRuns();

@@ -178,6 +178,30 @@ TEST_F(Routing, OnlyTheFileListIsAnAssociation) {
     }
 }
 
+// A log that shows an exception leads to the unit that threw it.
+TEST_F(Routing, RefusalsCarryTheSourceFileOfTheirUnit) {
+    const std::pair<const char*, const char*> files[] = {
+        {"ZNX_HistorySoftwareUpdate", "provider/history/HistoryProvider.cpp"},
+        {"ZNX_ScheduledSoftwareUpdate", "provider/scheduled/ScheduledProvider.cpp"},
+        {"ZNX_AvailableSoftwareUpdate", "provider/available/AvaliableProvider.cpp"},
+        {"ZNX_ActiveSoftwareUpdate", "provider/active/ActiveProvider.cpp"},
+        {"ZNX_SoftwareIdentity", "provider/inventory/InventoryProvider.cpp"},
+        {"ZNX_AvailableSoftwareFileName", "provider/filename/FileNameProvider.cpp"},
+        {"ZNX_AvailableSoftwareFileList", "provider/filelist/FileListProvider.cpp"},
+        {"ZNX_SoftwareUpdateComponent", "provider/component/ComponentProvider.cpp"},
+        {"ZNX_Unknown", "provider/master/MasterProvider.cpp"},
+    };
+    for (const auto& [className, file] : files) {
+        try {
+            calls.CreateInstance(CIMInstance(className));
+            ADD_FAILURE() << className << " was created";
+        } catch (const CIMException& refusal) {
+            EXPECT_STREQ(refusal.getFile(), file);
+            EXPECT_GT(refusal.getLine(), 0);
+        }
+    }
+}
+
 TEST_F(Routing, InitializeReachesTheClassProviders) {
     const CIMInstance placeholder =
         calls.GetInstance(PathOf("ZNX_AvailableSoftwareUpdate", "InstanceID", "1"));
