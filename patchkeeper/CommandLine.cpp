@@ -1,69 +1,37 @@
 #include "patchkeeper/CommandLine.hpp"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
+#include <filesystem>
 #include <string>
 #include <string_view>
-#include <vector>
+
+#include <unistd.h>
 
 #include <CLI/CLI.hpp>
 
+#include "patchkeeper/Commands.hpp"
 #include "patchkeeper/ErrorTexts.hpp"
 #include "patchkeeper/Failure.hpp"
-#include "patchkeeper/Inventory.hpp"
-#include "patchkeeper/State.hpp"
+#include "patchkeeper/Intake.hpp"
+#include "patchkeeper/Lists.hpp"
+#include "patchkeeper/Operation.hpp"
+#include "patchkeeper/Owner.hpp"
+#include "patchkeeper/Record.hpp"
+#include "patchkeeper/bundle/Commands.hpp"
 
 namespace patchkeeper {
 
 namespace {
 
-// Operations of an appliance's tool that this version does not have, with the code that their
-// callers understand as the failure of just this operation.
-struct MissingOperation {
-    std::string_view option;
-    ExitCode code;
+const std::string humanOption = "--human";
+
+// Where a command can print.
+struct Output {
+    std::ostream& out;
+    std::ostream& err;
+    bool toPerson;
 };
-
-constexpr std::array<MissingOperation, 18> missingOperations = {{
-    {"--cache", ExitCode::SoftwareUpdateFailed},
-    {"-l", ExitCode::SoftwareUpdateFailed},
-    {"--files", ExitCode::SoftwareUpdateFailed},
-    {"--warnings", ExitCode::SoftwareUpdateFailed},
-    {"--hascomponents", ExitCode::SoftwareUpdateFailed},
-    {"--components", ExitCode::SoftwareUpdateFailed},
-    {"--hist", ExitCode::SoftwareUpdateFailed},
-    {"--status", ExitCode::SoftwareUpdateFailed},
-    {"--sched", ExitCode::ScheduleFailed},
-    {"--msched", ExitCode::ModifyFailed},
-    {"--apply", ExitCode::ApplyFailed},
-    {"--rback", ExitCode::RemoveFailed},
-    {"--ftp", ExitCode::FtpFailed},
-    {"--http", ExitCode::HttpFailed},
-    {"--samba", ExitCode::SambaFailed},
-    {"--usb", ExitCode::UsbFailed},
-    {"--hd", ExitCode::DownloadFailed},
-    {"--em", ExitCode::DownloadFailed},
-}};
-
-using Arguments = std::vector<std::string>; // without the program name
-
-// An operation takes all that stands behind it as it is: a password may begin with a dash.
-void RefuseMissingOperation(const Arguments& arguments) {
-    if (arguments.empty()) {
-        return;
-    }
-    const auto found = std::find_if(
-        missingOperations.begin(), missingOperations.end(),
-        [&](const MissingOperation& operation) { return operation.option == arguments[0]; });
-    if (found == missingOperations.end()) {
-        return;
-    }
-    const bool overTls =
-        found->code == ExitCode::HttpFailed && arguments.size() > 5 && arguments[5] == "true";
-    throw Failure(overTls ? ExitCode::HttpsFailed : found->code,
-                  arguments[0] + " is not offered by this version");
-}
 
 int CodeNumber(const std::string& text) {
     int code = 0;
@@ -74,61 +42,186 @@ int CodeNumber(const std::string& text) {
     return code;
 }
 
-std::string MissingOptions() {
-    std::string list;
-    for (const auto& operation : missingOperations) {
-        list += (list.empty() ? "" : ", ") + std::string(operation.option);
+std::string CommandHelp() {
+    constexpr std::size_t column = 34;
+    std::string offered = "Commands, one at a time:\n";
+    std::string missing;
+    for (const auto& command : Commands()) {
+        if (command.help.empty()) {
+            missing += (missing.empty() ? "" : ", ") + std::string(command.name);
+            continue;
+        }
+        std::string line = "  " + std::string(command.name);
+        line += (command.arguments.empty() ? "" : " ") + std::string(command.arguments);
+        line += line.size() < column ? std::string(column - line.size(), ' ') : "  ";
+        offered += line.append(command.help) + '\n';
     }
-    return list;
+    return offered +
+           "  bundle DIR [-o FILE] [--key FILE]\n"
+           "                                  Make a bundle of a directory\n"
+           "  check FILE                      Check a bundle and name every fault\n"
+           "Not offered by this version: " +
+           missing + ".";
 }
 
-ExitCode Run(const Arguments& arguments, std::ostream& out, std::ostream& err) {
-    RefuseMissingOperation(arguments);
+// A problem of the state becomes the failure of just this command.
+template <typename Run>
+ExitCode WithCode(ExitCode code, Run run) {
+    try {
+        return run();
+    } catch (const StateProblem& problem) {
+        throw Failure(code, problem.what());
+    } catch (const std::filesystem::filesystem_error& error) { // the working directory is gone
+        throw Failure(code, error.what());
+    }
+}
 
+ExitCode MarkOperation() {
+    const State state = State::OfEnvironment();
+    ActAsOwnerOf(state.Root());
+    Store store = state.OpenOrMake(state.Settings());
+    MarkInProgress(state, store);
+    return ExitCode::Ok;
+}
+
+ExitCode Inventory(const Output& output, bool table) {
+    const State state = State::OfEnvironment();
+    ActAsOwnerOf(state.Root());
+    ListInventory(state, {output.out, table});
+    return ExitCode::Ok;
+}
+
+ExitCode RunOptions(const Arguments& arguments, bool table, const Output& output) {
     CLI::App app(
         "Lists the software that is installed on this machine: one line per package with name,\n"
-        "version, classification and date of installation, separated by tabs.",
+        "version, classification and date of installation, separated by tabs. With a command it\n"
+        "takes in and lists updates; all that it keeps is in $PATCHKEEPER_ROOT (default\n"
+        "/var/lib/patchkeeper).",
         "patchkeeper");
     std::string code;
     bool mark = false;
+    bool human = table;
     app.set_version_flag("--version", std::string("patchkeeper ") + PATCHKEEPER_VERSION);
     auto* errors = app.add_option("--errors", code, "Say in a sentence what an exit code means")
                        ->type_name("CODE");
-    app.add_flag("--setinprogress", mark,
-                 "Mark that an operation is about to run, in $PATCHKEEPER_ROOT\n"
-                 "(default /var/lib/patchkeeper)")
+    app.add_flag("--setinprogress", mark, "Mark that an operation is about to run")
         ->excludes(errors);
-    app.footer("Not offered by this version: " + MissingOptions() + ".");
+    app.add_flag(humanOption, human,
+                 "Before or behind a list: a table with headings, on a terminal");
+    app.footer(CommandHelp());
     try {
         app.parse(Arguments(arguments.rbegin(), arguments.rend())); // CLI11 takes the last first
     } catch (const CLI::ParseError& error) {
-        return app.exit(error, out, err) == 0 ? ExitCode::Ok : ExitCode::Usage;
+        return app.exit(error, output.out, output.err) == 0 ? ExitCode::Ok : ExitCode::Usage;
     }
-
     if (*errors) {
-        out << ErrorText(CodeNumber(code)) << '\n';
-    } else if (mark) {
-        State::OfEnvironment().MarkInProgress();
-    } else {
-        PrintInventory(PackageDatabase(), out);
+        output.out << ErrorText(CodeNumber(code)) << '\n';
+        return ExitCode::Ok;
     }
-    if (!out.flush()) {
+    return mark ? WithCode(ExitCode::SoftwareUpdateFailed, MarkOperation)
+                : WithCode(ExitCode::General,
+                           [&] { return Inventory(output, human && output.toPerson); });
+}
+
+bool HasName(const Command& command, const std::string& name) {
+    return command.name == name;
+}
+
+// The command of that name and number of arguments. Throws Failure (Usage) when the name is there
+// with other numbers only; null when the name is no command's.
+const Command* Find(const std::string& name, std::size_t arguments) {
+    std::string usage;
+    bool mayBeMarked = false;
+    for (const auto& command : Commands()) {
+        if (!HasName(command, name)) {
+            continue;
+        }
+        if (arguments >= command.least && arguments <= command.most) {
+            return &command;
+        }
+        mayBeMarked = mayBeMarked || command.kind == Command::Kind::Operation;
+        usage += (usage.empty() ? "" : " or ") + name + (command.arguments.empty() ? "" : " ") +
+                 std::string(command.arguments);
+    }
+    if (usage.empty()) {
+        return nullptr;
+    }
+    if (mayBeMarked) {
+        FailMark(State::OfEnvironment(), "the command line of " + name + " was wrong");
+    }
+    throw Failure(ExitCode::Usage, "the command is: " + usage);
+}
+
+bool IsList(const std::string& name) {
+    return std::any_of(Commands().begin(), Commands().end(), [&](const Command& command) {
+        return HasName(command, name) && command.kind == Command::Kind::List;
+    });
+}
+
+// Takes --human off the command line, where it may stand before a command or behind a list.
+bool TakeHuman(Arguments& arguments) {
+    const auto size = arguments.size();
+    if (size > 1 && arguments.front() == humanOption) {
+        arguments.erase(arguments.begin());
+    } else if (size > 1 && arguments.back() == humanOption && IsList(arguments.front())) {
+        arguments.pop_back();
+    }
+    return arguments.size() != size;
+}
+
+ExitCode CheckOrMakeBundle(const Arguments& arguments, const Output& output) {
+    const auto trust = [] { return TrustOf(State::OfEnvironment().Settings()); };
+    return WithCode(ExitCode::SoftwareUpdateFailed,
+                    [&] { return RunBundleCommand(arguments, trust, output.out, output.err); });
+}
+
+ExitCode Run(Arguments arguments, const Output& output) {
+    const bool table = TakeHuman(arguments);
+    if (IsBundleCommand(arguments)) {
+        return CheckOrMakeBundle(arguments, output);
+    }
+    const Command* command = arguments.empty() ? nullptr : Find(arguments[0], arguments.size() - 1);
+    if (command == nullptr) {
+        return RunOptions(arguments, table, output);
+    }
+    return WithCode(command->code, [&] {
+        const State state = State::OfEnvironment();
+        ActAsOwnerOf(state.Root());
+        const CommandContext context{state, output.out, output.err, table && output.toPerson,
+                                     output.toPerson};
+        const ExitCode code =
+            command->run(context, Arguments(arguments.begin() + 1, arguments.end()));
+        if (!output.out.flush()) {
+            throw Failure(command->code, "the answer cannot be written");
+        }
+        return code;
+    });
+}
+
+ExitCode RunAndFlush(const Arguments& arguments, const Output& output) {
+    const ExitCode code = Run(arguments, output);
+    if (!output.out.flush()) {
         throw Failure(ExitCode::General, "the answer cannot be written");
     }
-    return ExitCode::Ok;
+    return code;
 }
 
 } // namespace
 
 int RunCommand(int argumentCount, const char* const* arguments, std::ostream& out,
                std::ostream& err) {
+    const bool toPerson = isatty(STDOUT_FILENO) != 0 && isatty(STDERR_FILENO) != 0;
     try {
-        return static_cast<int>(
-            Run(Arguments(arguments + std::min(argumentCount, 1), arguments + argumentCount), out,
-                err));
+        return static_cast<int>(RunAndFlush(
+            Arguments(arguments + std::min(argumentCount, 1), arguments + argumentCount),
+            {out, err, toPerson}));
     } catch (const Failure& failure) {
         out.flush();
-        err << "patchkeeper: " << failure.what() << ".\n";
+        err << "patchkeeper: " << FieldText(failure.what())
+            << ".\n"; // one line, whatever it quotes
+        if (failure.Code() == ExitCode::Usage) {
+            err << "Run with --help for more information.\n";
+        }
         return static_cast<int>(failure.Code());
     }
 }

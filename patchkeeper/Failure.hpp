@@ -39,4 +39,11 @@ private:
     ExitCode code_;
 };
 
+// The state or the settings cannot be read or changed: damaged, kept busy, no room, no permission.
+// what() is one sentence without a full stop. It carries no exit code, because that depends on the
+// command that met it; the command line turns it into a Failure with the command's own code.
+class StateProblem : public std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
 } // namespace patchkeeper

@@ -1,6 +1,8 @@
 #include "patchkeeper/Inventory.hpp"
 
 #include <array>
+#include <cstddef>
+#include <map>
 
 #include "patchkeeper/Classification.hpp"
 
@@ -10,31 +12,6 @@ namespace {
 
 constexpr std::size_t longestField = 470; // two of these, a classification, a date and the tabs fit
 constexpr std::time_t lastTime = 253'402'300'799; // the last second of the year 9999
-
-bool IsContinuationByte(char byte) {
-    return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
-}
-
-std::string Field(std::string_view text) {
-    if (text.size() > longestField) {
-        std::size_t length = longestField;
-        while (length > 0 && IsContinuationByte(text[length])) {
-            --length;
-        }
-        text = text.substr(0, length);
-    }
-    if (text.empty()) {
-        return "-";
-    }
-    std::string field(text);
-    for (char& letter : field) {
-        const auto code = static_cast<unsigned char>(letter);
-        if (code < 0x20 || code == 0x7F) {
-            letter = ' ';
-        }
-    }
-    return field;
-}
 
 } // namespace
 
@@ -48,24 +25,29 @@ std::string DateText(std::optional<std::time_t> date) {
     return {text.data(), length};
 }
 
-std::string InventoryLine(std::string_view name, std::string_view version,
-                          std::string_view classification, std::optional<std::time_t> date) {
-    std::string line = Field(name);
-    line += '\t';
-    line += Field(version);
-    line += '\t';
-    line += classification;
-    line += '\t';
-    line += DateText(date);
-    line += '\n';
-    return line;
+std::vector<std::string> InventoryFields(std::string_view name, std::string_view version,
+                                         std::string_view classification,
+                                         std::optional<std::time_t> date) {
+    return {FieldText(name, longestField), FieldText(version, longestField),
+            std::string(classification), DateText(date)};
 }
 
-void PrintInventory(const PackageDatabase& packages, std::ostream& out) {
+void PrintInventory(const PackageDatabase& packages, const std::vector<AppliedUpdate>& applied,
+                    RecordWriter& out) {
     packages.ForEachInstalled([&](const InstalledPackage& package) {
-        out << InventoryLine(package.name, package.version, Classification(package.section),
-                             package.lastInstalled);
+        out.Add(InventoryFields(package.name, package.version, Classification(package.section),
+                                package.lastInstalled));
     });
+    std::map<std::string_view, const AppliedUpdate*> last;
+    for (const auto& update : applied) {
+        last[update.name] = &update;
+    }
+    for (const auto& update : applied) {
+        if (last[update.name] == &update) {
+            out.Add(InventoryFields(update.name, update.version, update.classification,
+                                    update.appliedAt));
+        }
+    }
 }
 
 } // namespace patchkeeper

@@ -4,7 +4,6 @@
 #include <array>
 #include <cerrno>
 #include <system_error>
-#include <utility>
 
 #include <fcntl.h>
 #include <spawn.h>
@@ -12,27 +11,11 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "patchkeeper/Descriptor.hpp"
+
 namespace patchkeeper {
 
 namespace {
-
-class Descriptor {
-public:
-    explicit Descriptor(int number) : number_(number) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor() { Close(); }
-
-    int Number() const { return number_; }
-    void Close() {
-        if (number_ >= 0) {
-            close(std::exchange(number_, -1));
-        }
-    }
-
-private:
-    int number_;
-};
 
 std::string SystemReason(int error) {
     return std::generic_category().message(error);

@@ -2,13 +2,10 @@
 
 #include <cerrno>
 #include <cstdlib>
-#include <ctime>
 #include <string>
 #include <system_error>
-#include <utility>
 
-#include <fcntl.h>
-#include <unistd.h>
+#include <sys/stat.h>
 
 #include "patchkeeper/Failure.hpp"
 
@@ -21,24 +18,29 @@ namespace {
 constexpr const char* rootVariable = "PATCHKEEPER_ROOT";
 constexpr const char* defaultRoot = "/var/lib/patchkeeper";
 
-// 0 or the error number.
-int WriteNewFile(const fs::path& file, const std::string& text) {
-    const int descriptor = open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
-    if (descriptor < 0) {
+fs::path WithoutTrailingSlash(const fs::path& path) {
+    return path.has_filename() ? path : path.parent_path();
+}
+
+// 0 or the error number; ENOTDIR for what is no directory.
+int DirectoryError(const fs::path& path) {
+    struct stat status {};
+    if (stat(path.c_str(), &status) != 0) {
         return errno;
     }
-    int error = 0;
-    if (write(descriptor, text.data(), text.size()) != static_cast<ssize_t>(text.size()) ||
-        fsync(descriptor) != 0) {
-        error = errno != 0 ? errno : EIO;
+    return S_ISDIR(status.st_mode) ? 0 : ENOTDIR;
+}
+
+void MakeDirectory(const fs::path& path) {
+    if (mkdir(path.c_str(), 0755) != 0 && errno != EEXIST) {
+        throw StateProblem("the directory " + path.string() +
+                           " cannot be made: " + std::generic_category().message(errno));
     }
-    close(descriptor);
-    return error;
 }
 
 } // namespace
 
-State::State(fs::path root) : root_(std::move(root)) {
+State::State(const fs::path& root) : root_(WithoutTrailingSlash(fs::absolute(root))) {
 }
 
 State State::OfEnvironment() {
@@ -46,24 +48,43 @@ State State::OfEnvironment() {
     return State(root != nullptr && *root != '\0' ? root : defaultRoot);
 }
 
-void State::MarkInProgress() const {
-    std::error_code error;
-    fs::create_directories(root_, error);
-    const fs::path draft = root_ / ("in-progress." + std::to_string(getpid()));
-    if (!error) {
-        const int number = WriteNewFile(draft, std::to_string(std::time(nullptr)) + "\n");
-        error.assign(number, std::generic_category());
+void State::RefuseUnusableRoot() const {
+    int error = DirectoryError(root_);
+    std::error_code ignored; // what cannot be looked at is no link
+    if (error == ENOENT && !fs::is_symlink(root_, ignored)) {
+        error = DirectoryError(root_.parent_path());
     }
-    if (!error) {
-        fs::rename(draft, root_ / "in-progress", error);
+    if (error != 0) {
+        throw StateProblem("the root directory " + root_.string() +
+                           " cannot be used: " + std::generic_category().message(error));
     }
-    if (error) {
-        std::error_code ignored; // the first reason is the one that counts
-        fs::remove(draft, ignored);
-        throw Failure(ExitCode::SoftwareUpdateFailed,
-                      "an operation cannot be marked as in progress in " + root_.string() + ": " +
-                          error.message());
+}
+
+Settings State::Settings() const {
+    RefuseUnusableRoot();
+    return ReadSettings(SettingsFile(), root_);
+}
+
+std::optional<Store> State::OpenExisting(const patchkeeper::Settings& settings) const {
+    struct stat status {};
+    if (stat(DatabaseFile().c_str(), &status) != 0) {
+        if (errno == ENOENT) {
+            return std::nullopt;
+        }
+        throw StateProblem("the database " + DatabaseFile().string() +
+                           " cannot be opened: " + std::generic_category().message(errno));
     }
+    if (status.st_size == 0) {
+        return std::nullopt; // its first command was ended before it could write
+    }
+    return std::optional<Store>(std::in_place, DatabaseFile(), Database::Access::Existing,
+                                settings.lockTimeout);
+}
+
+Store State::OpenOrMake(const patchkeeper::Settings& settings) const {
+    MakeDirectory(root_);
+    MakeDirectory(BundleDirectory());
+    return {DatabaseFile(), Database::Access::CreateIfMissing, settings.lockTimeout};
 }
 
 } // namespace patchkeeper

@@ -17,16 +17,28 @@
 namespace {
 
 using patchkeeper::DateText;
-using patchkeeper::InventoryLine;
 using patchkeeper::PackageDatabase;
 using patchkeeper_test::FakeDatabase;
 
 constexpr std::time_t someDay = 1735787045; // 2 January 2025, 03:04:05 UTC
 
-std::string Inventory(const FakeDatabase& database) {
+std::string InventoryLine(std::string_view name, std::string_view version,
+                          std::string_view classification, std::optional<std::time_t> date) {
+    return patchkeeper::RecordLine(
+        patchkeeper::InventoryFields(name, version, classification, date));
+}
+
+std::string Print(const PackageDatabase& database,
+                  const std::vector<patchkeeper::AppliedUpdate>& applied) {
     std::ostringstream out;
-    patchkeeper::PrintInventory(PackageDatabase(database.Path()), out);
+    patchkeeper::RecordWriter records(out, false, {"", "", "", ""});
+    patchkeeper::PrintInventory(database, applied, records);
+    records.Finish();
     return out.str();
+}
+
+std::string Inventory(const FakeDatabase& database) {
+    return Print(PackageDatabase(database.Path()), {});
 }
 
 TEST(InventoryDate, IsTextWithItsZoneAndADayPaddedWithABlank) {
@@ -107,14 +119,35 @@ TEST(Inventory, LeavesOutWhatIsNotReallyInstalled) {
                                    "leaving\t1\tMiddleware\tThu Jan  2 03:04:05 UTC 2025\n");
 }
 
+patchkeeper::AppliedUpdate Applied(const std::string& name, const std::string& version,
+                                   const std::string& classification, std::time_t date) {
+    patchkeeper::AppliedUpdate update;
+    update.name = name;
+    update.version = version;
+    update.classification = classification;
+    update.appliedAt = date;
+    return update;
+}
+
+TEST(Inventory, WhatBundlesHaveInstalledFollowsInItsLastVersion) {
+    FakeDatabase database;
+    database.Add("bash", "5.2", "shells", someDay);
+    EXPECT_EQ(
+        Print(PackageDatabase(database.Path()), {Applied("demo", "1.0", "Firmware", someDay),
+                                                 Applied("cartridge", "7", "Other", someDay),
+                                                 Applied("demo", "2.0", "Driver", someDay + 1)}),
+        "bash\t5.2\tOperating System\tThu Jan  2 03:04:05 UTC 2025\n"
+        "cartridge\t7\tOther\tThu Jan  2 03:04:05 UTC 2025\n"
+        "demo\t2.0\tDriver\tThu Jan  2 03:04:06 UTC 2025\n");
+}
+
 TEST(Inventory, EmptyDatabaseGivesNoLine) {
     EXPECT_EQ(Inventory(FakeDatabase()), "");
 }
 
 TEST(Inventory, MissingDatabaseIsAFailureAndNotAnEmptyList) {
-    std::ostringstream out;
     try {
-        patchkeeper::PrintInventory(PackageDatabase("/no/such/database"), out);
+        Print(PackageDatabase("/no/such/database"), {});
         FAIL() << "no failure";
     } catch (const patchkeeper::Failure& failure) {
         EXPECT_EQ(failure.Code(), patchkeeper::ExitCode::General);

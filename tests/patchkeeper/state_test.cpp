@@ -1,9 +1,9 @@
 #include "patchkeeper/State.hpp"
 
+#include <chrono>
 #include <cstdlib>
-#include <ctime>
 #include <filesystem>
-#include <fstream>
+#include <functional>
 #include <iterator>
 #include <string>
 
@@ -15,49 +15,21 @@
 namespace {
 
 namespace fs = std::filesystem;
+using patchkeeper::Settings;
 using patchkeeper::State;
 using patchkeeper_test::TemporaryDirectory;
-using testing::HasSubstr;
 
-TEST(State, MarkHoldsTheTimeInADirectoryMadeForIt) {
-    const TemporaryDirectory directory;
-    const fs::path root = directory.Path() / "a/b";
-    const std::time_t before = std::time(nullptr);
-    State(root).MarkInProgress();
-    std::time_t marked = 0;
-    std::ifstream(root / "in-progress") >> marked;
-    EXPECT_GE(marked, before);
-    EXPECT_LE(marked, std::time(nullptr));
-    EXPECT_EQ(std::distance(fs::directory_iterator(root), fs::directory_iterator()), 1);
-}
-
-TEST(State, MarkIsRenewed) {
-    const TemporaryDirectory directory;
-    directory.Write("in-progress", "1\n");
-    State(directory.Path()).MarkInProgress();
-    std::time_t marked = 0;
-    std::ifstream(directory.Path() / "in-progress") >> marked;
-    EXPECT_GT(marked, 1);
-}
-
-TEST(State, RootThatIsNoDirectoryIsAFailureThatNamesIt) {
-    const TemporaryDirectory directory;
-    const fs::path file = directory.Write("file", "");
+std::string ProblemOf(const std::function<void()>& call) {
     try {
-        State(file).MarkInProgress();
-        FAIL() << "no failure";
-    } catch (const patchkeeper::Failure& failure) {
-        EXPECT_EQ(failure.Code(), patchkeeper::ExitCode::SoftwareUpdateFailed);
-        EXPECT_EQ(std::string(failure.what()), "an operation cannot be marked as in progress in " +
-                                                   file.string() + ": Not a directory");
+        call();
+    } catch (const patchkeeper::StateProblem& problem) {
+        return problem.what();
     }
+    return "none";
 }
 
-TEST(State, MarkThatCannotBePutInPlaceLeavesNoDraft) {
-    const TemporaryDirectory directory;
-    fs::create_directories(directory.Path() / "in-progress/in-the-way");
-    EXPECT_THROW(State(directory.Path()).MarkInProgress(), patchkeeper::Failure);
-    EXPECT_EQ(std::distance(fs::directory_iterator(directory.Path()), fs::directory_iterator()), 1);
+std::ptrdiff_t FilesIn(const fs::path& directory) {
+    return std::distance(fs::directory_iterator(directory), fs::directory_iterator());
 }
 
 TEST(State, RootComesFromTheEnvironment) {
@@ -67,6 +39,68 @@ TEST(State, RootComesFromTheEnvironment) {
     EXPECT_EQ(State::OfEnvironment().Root(), "/var/lib/patchkeeper");
     unsetenv("PATCHKEEPER_ROOT");
     EXPECT_EQ(State::OfEnvironment().Root(), "/var/lib/patchkeeper");
+}
+
+TEST(State, ReadingMakesNothing) {
+    const TemporaryDirectory directory;
+    const State state(directory.Path());
+    EXPECT_FALSE(state.OpenExisting(state.Settings()));
+    const State missing(directory.Path() / "missing");
+    EXPECT_FALSE(missing.OpenExisting(missing.Settings()));
+    EXPECT_EQ(FilesIn(directory.Path()), 0);
+}
+
+TEST(State, DirectoryIsMadeWhenTheOneAboveItIsThere) {
+    const TemporaryDirectory directory;
+    const State state(directory.Path() / "root/");
+    state.OpenOrMake(state.Settings());
+    EXPECT_TRUE(fs::is_regular_file(directory.Path() / "root/state.db"));
+    EXPECT_TRUE(fs::is_directory(directory.Path() / "root/bundles"));
+    EXPECT_TRUE(state.OpenExisting(state.Settings()));
+}
+
+TEST(State, DirectoryWhoseParentIsMissingIsAProblem) {
+    const TemporaryDirectory directory;
+    const State state(directory.Path() / "a/b");
+    EXPECT_EQ(ProblemOf([&] { state.Settings(); }),
+              "the root directory " + directory.Path().string() +
+                  "/a/b cannot be used: No such file or directory");
+}
+
+TEST(State, LinkThatLeadsNowhereIsAProblem) {
+    const TemporaryDirectory directory;
+    fs::create_symlink("/no/such/directory", directory.Path() / "root");
+    const State state(directory.Path() / "root");
+    EXPECT_EQ(ProblemOf([&] { state.Settings(); }),
+              "the root directory " + directory.Path().string() +
+                  "/root cannot be used: No such file or directory");
+}
+
+TEST(State, RootThatIsNoDirectoryIsAProblem) {
+    const TemporaryDirectory directory;
+    const State state(directory.Write("file", ""));
+    EXPECT_EQ(ProblemOf([&] { state.Settings(); }), "the root directory " +
+                                                        directory.Path().string() +
+                                                        "/file cannot be used: Not a directory");
+}
+
+TEST(State, EmptyDatabaseFileCountsAsNone) {
+    const TemporaryDirectory directory;
+    directory.Write("state.db", "");
+    const State state(directory.Path());
+    EXPECT_FALSE(state.OpenExisting(Settings()));
+    state.OpenOrMake(Settings());
+    EXPECT_TRUE(state.OpenExisting(Settings()));
+}
+
+TEST(State, FileThatIsNoDatabaseIsAProblem) {
+    const TemporaryDirectory directory;
+    const fs::path file = directory.Write("state.db", std::string(5000, 'x'));
+    const State state(directory.Path());
+    const std::string sentence =
+        "the database " + file.string() + " is damaged: file is not a database";
+    EXPECT_EQ(ProblemOf([&] { state.OpenExisting(Settings()); }), sentence);
+    EXPECT_EQ(ProblemOf([&] { state.OpenOrMake(Settings()); }), sentence);
 }
 
 } // namespace

@@ -1,0 +1,190 @@
+#include "patchkeeper/Commands.hpp"
+
+#include <array>
+#include <limits>
+
+#include "patchkeeper/Fetch.hpp"
+#include "patchkeeper/Housekeeping.hpp"
+#include "patchkeeper/Lists.hpp"
+#include "patchkeeper/Operation.hpp"
+
+namespace patchkeeper {
+
+namespace {
+
+using Context = CommandContext;
+
+constexpr std::size_t any = std::numeric_limits<std::size_t>::max();
+
+// Nobody waits for a command that does not run.
+[[noreturn]] void RefuseMissing(const Context& context, const std::string& name, ExitCode code) {
+    const std::string sentence = name + " is not offered by this version";
+    FailMark(context.state, sentence);
+    throw Failure(code, sentence);
+}
+
+Listing ListingOf(const Context& context) {
+    return {context.out, context.table};
+}
+
+Messages MessagesOf(const Context& context) {
+    return {context.out, context.err, context.toPerson};
+}
+
+ExitCode Cache(const Context& context, const Arguments&) {
+    ListCache(context.state, ListingOf(context));
+    return ExitCode::Ok;
+}
+
+ExitCode Description(const Context& context, const Arguments& arguments) {
+    PrintDescription(context.state, arguments[0], context.out);
+    return ExitCode::Ok;
+}
+
+ExitCode Files(const Context& context, const Arguments& arguments) {
+    ListFiles(context.state, arguments.empty() ? "" : arguments[0], context.out);
+    return ExitCode::Ok;
+}
+
+ExitCode Warnings(const Context& context, const Arguments& arguments) {
+    ListWarnings(context.state, arguments[0], arguments[1], context.out);
+    return ExitCode::Ok;
+}
+
+ExitCode AsksForComponents(const Context& context, const Arguments& arguments) {
+    constexpr ExitCode no{1};
+    return HasComponents(context.state, arguments[0], arguments[1]) ? ExitCode::Ok : no;
+}
+
+ExitCode Components(const Context& context, const Arguments& arguments) {
+    ListComponents(context.state, arguments[0], arguments[1], context.out);
+    return ExitCode::Ok;
+}
+
+ExitCode History(const Context& context, const Arguments&) {
+    ListHistory(context.state, ListingOf(context));
+    return ExitCode::Ok;
+}
+
+ExitCode Scheduled(const Context& context, const Arguments&) {
+    ListSchedules(context.state, ListingOf(context));
+    return ExitCode::Ok;
+}
+
+ExitCode Active(const Context& context, const Arguments&) {
+    ListActive(context.state, ListingOf(context));
+    return ExitCode::Ok;
+}
+
+ExitCode TellStatus(const Context& context, const Arguments&) {
+    auto store = context.state.OpenExisting(context.state.Settings());
+    const Status status = store ? ReadStatus(context.state, *store) : NothingRunning();
+    context.out << status.code << '\t' << status.text << '\n';
+    return ExitCode::Ok;
+}
+
+ExitCode Usb(const Context& context, const Arguments& arguments) {
+    FetchFromUsb(context.state, arguments[0], MessagesOf(context));
+    return ExitCode::Ok;
+}
+
+ExitCode Disk(const Context& context, const Arguments& arguments) {
+    FetchFromDisk(context.state, arguments[0], MessagesOf(context));
+    return ExitCode::Ok;
+}
+
+ExitCode ElementManager(const Context& context, const Arguments&) {
+    FetchFromElementManager(context.state, MessagesOf(context));
+    return ExitCode::Ok;
+}
+
+ExitCode ForgetOne(const Context& context, const Arguments& arguments) {
+    Forget(context.state, arguments[0], arguments[1], context.err);
+    return ExitCode::Ok;
+}
+
+ExitCode PruneAll(const Context& context, const Arguments&) {
+    Prune(context.state, context.out, context.err);
+    return ExitCode::Ok;
+}
+
+ExitCode MissingFtp(const Context& context, const Arguments&) {
+    RefuseMissing(context, "--ftp", ExitCode::FtpFailed);
+}
+
+ExitCode MissingHttp(const Context& context, const Arguments& arguments) {
+    const bool overTls = arguments.size() > 4 && arguments[4] == "true";
+    RefuseMissing(context, "--http", overTls ? ExitCode::HttpsFailed : ExitCode::HttpFailed);
+}
+
+ExitCode MissingSamba(const Context& context, const Arguments&) {
+    RefuseMissing(context, "--samba", ExitCode::SambaFailed);
+}
+
+ExitCode MissingApply(const Context& context, const Arguments&) {
+    RefuseMissing(context, "--apply", ExitCode::ApplyFailed);
+}
+
+ExitCode MissingRollBack(const Context& context, const Arguments&) {
+    RefuseMissing(context, "--rback", ExitCode::RemoveFailed);
+}
+
+ExitCode MissingSchedule(const Context&, const Arguments&) {
+    throw Failure(ExitCode::ScheduleFailed, "--sched is not offered by this version");
+}
+
+ExitCode MissingModify(const Context&, const Arguments&) {
+    throw Failure(ExitCode::ModifyFailed, "--msched is not offered by this version");
+}
+
+constexpr auto list = Command::Kind::List;
+constexpr auto change = Command::Kind::Change;
+constexpr auto operation = Command::Kind::Operation;
+constexpr auto general = ExitCode::SoftwareUpdateFailed;
+
+constexpr auto commands = std::to_array<Command>({
+    {"--cache", "", 0, 0, list, general, "List the updates that are held", Cache},
+    {"-l", "NAME-VERSION", 1, 1, list, general, "Describe an update", Description},
+    {"--files", "[NAME-VERSION]", 0, 1, list, general, "List the files of an update, or of all",
+     Files},
+    {"--warnings", "NAME VERSION", 2, 2, list, general, "List the warnings of an update", Warnings},
+    {"--hascomponents", "NAME VERSION", 2, 2, list, general,
+     "Exit with 0 when an update has optional components, with 1 when it has none",
+     AsksForComponents},
+    {"--components", "NAME VERSION", 2, 2, list, general,
+     "List the optional components of an update", Components},
+    {"--hist", "", 0, 0, list, general, "List the updates that have been applied", History},
+    {"--sched", "", 0, 0, list, general, "List the updates that are scheduled", Scheduled},
+    {"--apply", "", 0, 0, list, general, "List the update that is being applied", Active},
+    {"--status", "", 0, 0, list, general, "Tell what runs, or how the last operation ended",
+     TellStatus},
+    {"--usb", "PATH", 1, 1, operation, ExitCode::UsbFailed,
+     "Take in a bundle, or every bundle in a directory, from a USB device", Usb},
+    {"--hd", "PATH", 1, 1, operation, ExitCode::DownloadFailed,
+     "Take in a bundle, or every bundle in a directory", Disk},
+    {"--em", "", 0, 0, operation, ExitCode::DownloadFailed,
+     "Take in what stands at em_url of the settings", ElementManager},
+    {"forget", "NAME VERSION", 2, 2, change, general, "Remove a bundle that is held", ForgetOne},
+    {"prune", "", 0, 0, change, general, "Remove the bundles that are obsolete or invalid",
+     PruneAll},
+    {"--ftp", "ADDRESS USER PASSWORD PATH", 4, 4, operation, ExitCode::FtpFailed, "", MissingFtp},
+    {"--http", "ADDRESS USER PASSWORD PATH [TLS]", 4, 5, operation, ExitCode::HttpFailed, "",
+     MissingHttp},
+    {"--samba", "ADDRESS USER PASSWORD PATH", 4, 4, operation, ExitCode::SambaFailed, "",
+     MissingSamba},
+    {"--apply", "NAME VERSION [COMPONENT...]", 2, any, operation, ExitCode::ApplyFailed, "",
+     MissingApply},
+    {"--rback", "NAME VERSION", 2, 2, operation, ExitCode::RemoveFailed, "", MissingRollBack},
+    {"--sched", "NAME VERSION DATE TIME", 4, 4, change, ExitCode::ScheduleFailed, "",
+     MissingSchedule},
+    {"--msched", "NAME VERSION [DATE TIME]", 2, 4, change, ExitCode::ModifyFailed, "",
+     MissingModify},
+});
+
+} // namespace
+
+std::span<const Command> Commands() {
+    return commands;
+}
+
+} // namespace patchkeeper

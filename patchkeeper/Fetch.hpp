@@ -1,0 +1,32 @@
+#pragma once
+
+#include <ostream>
+#include <string>
+
+#include "patchkeeper/State.hpp"
+
+namespace patchkeeper {
+
+// Where the messages of a long command go.
+struct Messages {
+    std::ostream& out;
+    std::ostream& notes;
+    bool toPerson; // a bar and a closing sentence on `out`
+};
+
+// Each takes in a bundle, or every bundle in a directory: the files in it that are called
+// *.tar.gz. Bundles that are refused do not keep the others out, but fail the command. All run as
+// an Operation and throw Failure with the code of just this kind of fetch, or StateProblem.
+
+// Code UsbFailed, or NoLocalUpdatesFound for a directory without a bundle.
+void FetchFromUsb(const State& state, const std::string& path, const Messages& messages);
+// Code DownloadFailed, or NoLocalUpdatesFound for a directory without a bundle.
+void FetchFromDisk(const State& state, const std::string& path, const Messages& messages);
+// From `em_url` of the settings. Code DownloadFailed, or NoUpdatesFound when nothing is there.
+void FetchFromElementManager(const State& state, const Messages& messages);
+
+// The path of a `file:` URL (RFC 8089), its %XX decoded. Throws Failure (DownloadFailed) for what
+// is none, or names another host.
+std::string PathOfFileUrl(const std::string& url);
+
+} // namespace patchkeeper
