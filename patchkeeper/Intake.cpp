@@ -210,11 +210,12 @@ Taken Intake::TakeIn(const fs::path& source, const std::string& location,
     bundle.faults =
         Joined(AsRefusal(source, draft.File(), [&] { return FaultsOf(draft.File(), trust_); }));
     Taken taken{Taken::How::Added, manifest.name, manifest.version, bundle.faults};
-    Record(manifest, std::move(bundle), draft.File());
+    Record(manifest, bundle, draft.File());
     return taken;
 }
 
-void Intake::Record(const Manifest& manifest, HeldBundle bundle, const fs::path& copy) const {
+void Intake::Record(const Manifest& manifest, const HeldBundle& bundle,
+                    const fs::path& copy) const {
     const fs::path place = state_.BundleDirectory() / bundle.file;
     std::error_code error;
     fs::rename(copy, place, error);
