@@ -10,7 +10,7 @@ namespace cimserver::cimxml {
 using OpenWBEM::CIMException;
 
 AnswerWriter::AnswerWriter(Output& output, const AnswerTo& request)
-    : output_(output), xml_(output), request_(request) {
+    : output_(output), xml_(output), instances_(xml_), request_(request) {
 }
 
 void AnswerWriter::Begin(Frame frame) {
@@ -90,11 +90,11 @@ void AnswerWriter::ClassName(const OpenWBEM::String& name) {
 }
 
 void AnswerWriter::Instance(const OpenWBEM::CIMInstance& instance) {
-    WriteResult([&] { WriteInstance(xml_, instance); });
+    WriteResult([&] { instances_.Write(instance); });
 }
 
 void AnswerWriter::NamedInstance(const OpenWBEM::CIMInstance& instance) {
-    WriteResult([&] { WriteNamedInstance(xml_, instance); });
+    WriteResult([&] { instances_.WriteNamed(instance); });
 }
 
 void AnswerWriter::InstanceName(const OpenWBEM::CIMObjectPath& path) {
@@ -103,7 +103,7 @@ void AnswerWriter::InstanceName(const OpenWBEM::CIMObjectPath& path) {
 
 void AnswerWriter::InstanceWithPath(const OpenWBEM::CIMObjectPath& path,
                                     const OpenWBEM::CIMInstance& instance) {
-    WriteResult([&] { WriteInstanceWithPath(xml_, path, instance); });
+    WriteResult([&] { WriteInstanceWithPath(xml_, instances_, path, instance); });
 }
 
 void AnswerWriter::ClassWithPath(const OpenWBEM::CIMObjectPath& path,

@@ -1,6 +1,7 @@
 // Writes the answer to one operation while its results arrive.
 #pragma once
 
+#include "cimserver/cimxml/InstanceWriter.hpp"
 #include "cimserver/cimxml/XmlBuffer.hpp"
 #include "cimserver/operations/Operations.hpp"
 
@@ -60,6 +61,7 @@ private:
 
     Output& output_;
     XmlBuffer xml_;
+    InstanceWriter instances_;
     const AnswerTo& request_;
     Frame frame_ = Frame::None;
     std::optional<OpenWBEM::CIMException> failure_;

@@ -78,16 +78,12 @@ void WriteQualifiers(XmlBuffer& xml, const CIMQualifierArray& qualifiers) {
     }
 }
 
-/// The attributes and the content that all kinds of properties have in common.
-void WriteRestOfProperty(XmlBuffer& xml, const CIMProperty& property, const CIMValue& value,
-                         Shape shape) {
+/// The attributes and the content that all kinds of properties have in common, up to the value.
+void WriteRestOfStart(XmlBuffer& xml, const CIMProperty& property) {
     WriteOptional(xml, " CLASSORIGIN=\"", CIMModelView::originClass(property));
     WritePropagated(xml, property.getPropagated());
     xml.Markup(">");
     WriteQualifiers(xml, CIMModelView::qualifiers(property));
-    if (value) {
-        WriteValue(xml, value, shape);
-    }
 }
 
 void WriteReferenceProperty(XmlBuffer& xml, const CIMProperty& property, const CIMDataType& type,
@@ -97,33 +93,11 @@ void WriteReferenceProperty(XmlBuffer& xml, const CIMProperty& property, const C
     }
     WriteName(xml, "<PROPERTY.REFERENCE NAME=\"", "A property", CIMModelView::name(property));
     WriteOptional(xml, " REFERENCECLASS=\"", type.getRefClassName());
-    WriteRestOfProperty(xml, property, value, shape);
+    WriteRestOfStart(xml, property);
+    if (value) {
+        WriteValue(xml, value, shape);
+    }
     xml.Markup("</PROPERTY.REFERENCE>");
-}
-
-void WriteProperty(XmlBuffer& xml, const CIMProperty& property) {
-    const CIMDataType& declared = CIMModelView::type(property);
-    if (!declared) {
-        Fail("Property " + property.getName() + " has no type defined");
-    }
-    const CIMValue& value = CIMModelView::value(property);
-    const Shape shape = value ? ShapeOf(value) : Shape{declared.getType(), declared.isArrayType()};
-    if (shape.type == CIMDataType::REFERENCE) {
-        WriteReferenceProperty(xml, property, declared, value, shape);
-        return;
-    }
-    const std::string_view type = TypeAttribute(shape.type);
-    if (type.empty()) {
-        Fail("Property " + property.getName() + " holds an embedded object");
-    }
-    WriteName(xml, shape.isArray ? "<PROPERTY.ARRAY NAME=\"" : "<PROPERTY NAME=\"", "A property",
-              CIMModelView::name(property));
-    xml.Markup(type);
-    if (shape.isArray) {
-        WriteArraySize(xml, declared);
-    }
-    WriteRestOfProperty(xml, property, value, shape);
-    xml.Markup(shape.isArray ? "</PROPERTY.ARRAY>" : "</PROPERTY>");
 }
 
 void WriteProperties(XmlBuffer& xml, const CIMPropertyArray& properties) {
@@ -131,7 +105,6 @@ void WriteProperties(XmlBuffer& xml, const CIMPropertyArray& properties) {
         WriteProperty(xml, property);
     }
 }
-
 std::string_view ParameterElement(const CIMDataType& type) {
     if (type.isReferenceType()) {
         return type.isArrayType() ? "PARAMETER.REFARRAY" : "PARAMETER.REFERENCE";
@@ -176,20 +149,42 @@ void WriteMethod(XmlBuffer& xml, const CIMMethod& method) {
 
 } // namespace
 
-void WriteInstance(XmlBuffer& xml, const CIMInstance& instance) {
-    WriteName(xml, "<INSTANCE CLASSNAME=\"", "An instance's class",
-              CIMModelView::className(instance));
-    xml.Markup(">");
-    WriteQualifiers(xml, CIMModelView::qualifiers(instance));
-    WriteProperties(xml, CIMModelView::properties(instance));
-    xml.Markup("</INSTANCE>");
+void WritePropertyStart(XmlBuffer& xml, const CIMProperty& property, Shape shape) {
+    WriteName(xml, shape.isArray ? "<PROPERTY.ARRAY NAME=\"" : "<PROPERTY NAME=\"", "A property",
+              CIMModelView::name(property));
+    xml.Markup(TypeAttribute(shape.type));
+    if (shape.isArray) {
+        WriteArraySize(xml, CIMModelView::type(property));
+    }
+    WriteRestOfStart(xml, property);
 }
 
-void WriteNamedInstance(XmlBuffer& xml, const CIMInstance& instance) {
-    xml.Markup("<VALUE.NAMEDINSTANCE>");
-    WriteInstanceName(xml, CIMModelView::className(instance), CIMModelView::keys(instance));
-    WriteInstance(xml, instance);
-    xml.Markup("</VALUE.NAMEDINSTANCE>");
+void WriteProperty(XmlBuffer& xml, const CIMProperty& property) {
+    const CIMDataType& declared = CIMModelView::type(property);
+    if (!declared) {
+        Fail("Property " + property.getName() + " has no type defined");
+    }
+    const CIMValue& value = CIMModelView::value(property);
+    const Shape shape = value ? ShapeOf(value) : Shape{declared.getType(), declared.isArrayType()};
+    if (shape.type == CIMDataType::REFERENCE) {
+        WriteReferenceProperty(xml, property, declared, value, shape);
+        return;
+    }
+    if (TypeAttribute(shape.type).empty()) {
+        Fail("Property " + property.getName() + " holds an embedded object");
+    }
+    WritePropertyStart(xml, property, shape);
+    if (value) {
+        WriteValue(xml, value, shape);
+    }
+    xml.Markup(shape.isArray ? "</PROPERTY.ARRAY>" : "</PROPERTY>");
+}
+
+void WriteInstanceStart(XmlBuffer& xml, const String& className,
+                        const CIMQualifierArray& qualifiers) {
+    WriteName(xml, "<INSTANCE CLASSNAME=\"", "An instance's class", className);
+    xml.Markup(">");
+    WriteQualifiers(xml, qualifiers);
 }
 
 void WriteClass(XmlBuffer& xml, const CIMClass& cimClass) {

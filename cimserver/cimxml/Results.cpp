@@ -83,10 +83,11 @@ void WriteClassPath(XmlBuffer& xml, const CIMObjectPath& path) {
     xml.Markup("</OBJECTPATH>");
 }
 
-void WriteInstanceWithPath(XmlBuffer& xml, const CIMObjectPath& path, const CIMInstance& instance) {
+void WriteInstanceWithPath(XmlBuffer& xml, InstanceWriter& instances, const CIMObjectPath& path,
+                           const CIMInstance& instance) {
     xml.Markup("<VALUE.OBJECTWITHPATH>");
     WriteFullInstancePath(xml, path);
-    WriteInstance(xml, instance);
+    instances.Write(instance);
     xml.Markup("</VALUE.OBJECTWITHPATH>");
 }
 

@@ -2,6 +2,7 @@
 // functions throw CIMException FAILED for what has no XML form.
 #pragma once
 
+#include "cimserver/cimxml/InstanceWriter.hpp"
 #include "cimserver/cimxml/XmlBuffer.hpp"
 
 #include "OW_CIM.hpp"
@@ -12,8 +13,9 @@ namespace cimserver::cimxml {
 void WriteInstancePath(XmlBuffer& xml, const OpenWBEM::CIMObjectPath& path);
 void WriteClassPath(XmlBuffer& xml, const OpenWBEM::CIMObjectPath& path);
 
-// VALUE.OBJECTWITHPATH.
-void WriteInstanceWithPath(XmlBuffer& xml, const OpenWBEM::CIMObjectPath& path,
+// VALUE.OBJECTWITHPATH; `instances` writes to the same buffer.
+void WriteInstanceWithPath(XmlBuffer& xml, InstanceWriter& instances,
+                           const OpenWBEM::CIMObjectPath& path,
                            const OpenWBEM::CIMInstance& instance);
 void WriteClassWithPath(XmlBuffer& xml, const OpenWBEM::CIMObjectPath& path,
                         const OpenWBEM::CIMClass& cimClass);

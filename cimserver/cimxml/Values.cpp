@@ -23,7 +23,8 @@ void WriteText(XmlBuffer& xml, const Char16& value) {
 }
 
 void WriteText(XmlBuffer& xml, const CIMDateTime& value) {
-    xml.Text(View(value.toString()));
+    char text[CIMModelView::longestDateTime];
+    xml.Markup({text, CIMModelView::writeText(value, text)});
 }
 
 /// The shortest text that reads as the same number; DSP0201 wants a point in it.
@@ -107,14 +108,14 @@ void WriteText(XmlBuffer& xml, const CIMObjectPath& path) {
 }
 
 template <class T>
-void WriteScalar(XmlBuffer& xml, const CIMValue& value) {
+void WriteScalarOf(XmlBuffer& xml, const CIMValue& value) {
     T scalar;
     value.get(scalar);
     WriteText(xml, scalar);
 }
 
 template <>
-void WriteScalar<String>(XmlBuffer& xml, const CIMValue& value) {
+void WriteScalarOf<String>(XmlBuffer& xml, const CIMValue& value) {
     xml.Text(View(*CIMModelView::text(value)));
 }
 
@@ -135,7 +136,7 @@ void WriteContent(XmlBuffer& xml, const CIMValue& value, bool isArray) {
     if (isArray) {
         WriteArray<T>(xml, value);
     } else {
-        WriteScalar<T>(xml, value);
+        WriteScalarOf<T>(xml, value);
     }
 }
 
@@ -180,7 +181,7 @@ void WriteReference(XmlBuffer& xml, const CIMValue& value, bool isArray) {
         OW_THROWCIMMSG(CIMException::FAILED, "An array of references cannot be written");
     }
     xml.Markup("<VALUE.REFERENCE>");
-    WriteScalar<CIMObjectPath>(xml, value);
+    WriteScalarOf<CIMObjectPath>(xml, value);
     xml.Markup("</VALUE.REFERENCE>");
 }
 
@@ -197,13 +198,15 @@ std::string_view KeyValueStart(CIMDataType::Type type) {
     }
 }
 
+constexpr std::string_view keyBindingStart = "<KEYBINDING NAME=\"";
+
 void WriteKeyBinding(XmlBuffer& xml, const CIMProperty& key) {
     const CIMValue& value = CIMModelView::value(key);
     if (!value) {
         OW_THROWCIMMSG(CIMException::FAILED, ("Key " + key.getName() + " has no value").c_str());
     }
     const Shape shape = ShapeOf(value);
-    WriteAttribute(xml, "<KEYBINDING NAME=\"", CIMModelView::name(key));
+    WriteAttribute(xml, keyBindingStart, CIMModelView::name(key));
     if (shape.type == CIMDataType::REFERENCE) {
         xml.Markup(">");
         WriteReference(xml, value, shape.isArray);
@@ -216,6 +219,11 @@ void WriteKeyBinding(XmlBuffer& xml, const CIMProperty& key) {
         xml.Markup("</KEYVALUE>");
     }
     xml.Markup("</KEYBINDING>");
+}
+
+void WriteInstanceNameTag(XmlBuffer& xml, const String& className) {
+    WriteAttribute(xml, "<INSTANCENAME CLASSNAME=\"", className);
+    xml.Markup(">");
 }
 
 } // namespace
@@ -271,18 +279,33 @@ void WriteValue(XmlBuffer& xml, const CIMValue& value, Shape shape) {
     xml.Markup(shape.isArray ? "</VALUE.ARRAY>" : "</VALUE>");
 }
 
+void WriteScalar(XmlBuffer& xml, const CIMValue& value, CIMDataType::Type type) {
+    WriteContent(xml, value, {type, false});
+}
+
 void WriteClassName(XmlBuffer& xml, const String& name) {
     WriteAttribute(xml, "<CLASSNAME NAME=\"", name);
     xml.Markup("></CLASSNAME>");
 }
 
 void WriteInstanceName(XmlBuffer& xml, const String& className, const CIMPropertyArray& keys) {
-    WriteAttribute(xml, "<INSTANCENAME CLASSNAME=\"", className);
-    xml.Markup(">");
+    WriteInstanceNameTag(xml, className);
     for (const CIMProperty& key : keys) {
         WriteKeyBinding(xml, key);
     }
     xml.Markup("</INSTANCENAME>");
+}
+
+void WriteInstanceNameStart(XmlBuffer& xml, const String& className, const String& key,
+                            CIMDataType::Type type) {
+    WriteInstanceNameTag(xml, className);
+    WriteAttribute(xml, keyBindingStart, key);
+    xml.Markup(">");
+    xml.Markup(KeyValueStart(type));
+}
+
+void WriteInstanceNameEnd(XmlBuffer& xml) {
+    xml.Markup("</KEYVALUE></KEYBINDING></INSTANCENAME>");
 }
 
 void WriteNameSpacePath(XmlBuffer& xml, const CIMObjectPath& path) {

@@ -35,12 +35,21 @@ inline Shape ShapeOf(const OpenWBEM::CIMValue& value) {
 /// VALUE, VALUE.ARRAY or VALUE.REFERENCE; `shape` is that of the value.
 void WriteValue(XmlBuffer& xml, const OpenWBEM::CIMValue& value, Shape shape);
 
+/// What stands within VALUE or KEYVALUE; `value` is a scalar and no reference.
+void WriteScalar(XmlBuffer& xml, const OpenWBEM::CIMValue& value, OpenWBEM::CIMDataType::Type type);
+
 /// CLASSNAME.
 void WriteClassName(XmlBuffer& xml, const OpenWBEM::String& name);
 
 /// INSTANCENAME.
 void WriteInstanceName(XmlBuffer& xml, const OpenWBEM::String& className,
                        const OpenWBEM::CIMPropertyArray& keys);
+
+/// The tags of INSTANCENAME and its KEYBINDING up to the text of the one key, which is a scalar and
+/// no reference, and those behind it.
+void WriteInstanceNameStart(XmlBuffer& xml, const OpenWBEM::String& className,
+                            const OpenWBEM::String& key, OpenWBEM::CIMDataType::Type type);
+void WriteInstanceNameEnd(XmlBuffer& xml);
 
 /// INSTANCENAME with the path's class name and keys.
 void WriteInstanceName(XmlBuffer& xml, const OpenWBEM::CIMObjectPath& path);

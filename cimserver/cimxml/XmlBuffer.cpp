@@ -173,10 +173,12 @@ const char* XmlBuffer::Special(const char* at, const char* end) {
 
 void XmlBuffer::Flush() {
     output_.Write({memory_.get(), capacity - Room()});
+    flushed_ = Position();
     next_ = memory_.get();
 }
 
 void XmlBuffer::Restart() {
+    flushed_ = Position();
     next_ = memory_.get();
     output_.Restart();
 }

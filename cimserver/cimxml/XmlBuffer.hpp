@@ -4,6 +4,7 @@
 #include "cimserver/cimxml/CimXml.hpp"
 
 #include <charconv>
+#include <cstdint>
 #include <cstring>
 #include <memory>
 #include <string_view>
@@ -38,6 +39,14 @@ public:
         next_ = std::to_chars(next_, next_ + longest, number).ptr;
     }
 
+    /// How many bytes have been written.
+    std::uint64_t Position() const { return flushed_ + capacity - Room(); }
+    /// What was written since that position; empty when part of it has been flushed.
+    std::string_view Since(std::uint64_t position) const {
+        return position < flushed_ ? std::string_view()
+                                   : std::string_view(memory_.get() + (position - flushed_), next_);
+    }
+
     void Flush();
     /// Forgets everything, also what the output has.
     void Restart();
@@ -57,6 +66,7 @@ private:
     Output& output_;
     std::unique_ptr<char[]> memory_;
     char* next_;
+    std::uint64_t flushed_ = 0;
 };
 
 } // namespace cimserver::cimxml

@@ -2,6 +2,7 @@
 
 #include "OW_CIMDateTime.hpp"
 
+#include "OW_CIMModelView.hpp"
 #include "OW_String.hpp"
 
 #include <ostream>
@@ -161,30 +162,35 @@ CIMDateTime& CIMDateTime::setInterval(bool isInterval) {
     return *this;
 }
 
-String CIMDateTime::toString() const {
-    const bool interval = isInterval();
-    char text[64];
+std::size_t CIMModelView::writeText(const CIMDateTime& value, char* text) {
+    const bool interval = value.isInterval();
     char* end = text;
     if (interval) {
-        end = put(end, m_days, 8);
+        end = put(end, value.getDays(), 8);
     } else {
-        end = put(end, m_year, 4);
-        end = put(end, m_month, 2);
-        end = put(end, m_days, 2);
+        end = put(end, value.getYear(), 4);
+        end = put(end, value.getMonth(), 2);
+        end = put(end, value.getDays(), 2);
     }
-    end = put(end, m_hours, 2);
-    end = put(end, m_minutes, 2);
-    end = put(end, m_seconds, 2);
+    end = put(end, value.getHours(), 2);
+    end = put(end, value.getMinutes(), 2);
+    end = put(end, value.getSeconds(), 2);
     *end++ = '.';
-    end = put(end, m_microSeconds, 6);
+    end = put(end, value.getMicroSeconds(), 6);
     if (interval) {
         *end++ = ':';
         end = put(end, 0, 3);
     } else {
-        *end++ = m_utc < 0 ? '-' : '+';
-        end = put(end, static_cast<UInt32>(m_utc < 0 ? -m_utc : m_utc), 3);
+        const int utc = value.getUtc();
+        *end++ = utc < 0 ? '-' : '+';
+        end = put(end, static_cast<UInt32>(utc < 0 ? -utc : utc), 3);
     }
-    return String(text, static_cast<std::size_t>(end - text));
+    return static_cast<std::size_t>(end - text);
+}
+
+String CIMDateTime::toString() const {
+    char text[CIMModelView::longestDateTime];
+    return String(text, CIMModelView::writeText(*this, text));
 }
 
 DateTime CIMDateTime::toDateTime() const {

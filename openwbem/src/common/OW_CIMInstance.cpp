@@ -129,7 +129,11 @@ CIMInstance& CIMInstance::setProperty(const CIMProperty& property) {
     const CIMProperty* const old = findByName(properties, CIMModelAccess::name(property));
     const bool concernsKeys = property.isKey() || (old && old->isKey());
     reserveUsual(properties);
-    replaceOrAppend(properties, property);
+    if (old) {
+        properties[indexOf(properties, old)] = property;
+    } else {
+        properties.push_back(property);
+    }
     if (concernsKeys) {
         rebuildKeys();
     }

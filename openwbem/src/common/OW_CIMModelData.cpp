@@ -1,5 +1,7 @@
 #include "OW_CIMModelData.hpp"
 
+#include "OW_CIMModelView.hpp"
+
 namespace OpenWBEM {
 
 String toOwString(const std::string& text) {
@@ -14,7 +16,16 @@ const CIMName& keyName() {
 
 bool hasTrueValue(const CIMQualifierArray& qualifiers, const CIMName& name) {
     const CIMQualifier* const qualifier = findByName(qualifiers, name);
-    return qualifier && qualifier->getValue() == CIMValue(true);
+    if (!qualifier) {
+        return false;
+    }
+    const CIMValue& value = CIMModelView::value(*qualifier);
+    if (!value || value.getType() != CIMDataType::BOOLEAN || value.isArray()) {
+        return false;
+    }
+    Bool isTrue;
+    value.get(isTrue);
+    return isTrue;
 }
 
 bool isListed(const StringArray& names, const CIMProperty& property) {

@@ -3,6 +3,7 @@
 // For the embedded server; no part of the provider API.
 #pragma once
 
+#include "OW_CIMDateTime.hpp"
 #include "OW_CIMInstance.hpp"
 #include "OW_CIMProperty.hpp"
 #include "OW_CIMValue.hpp"
@@ -28,6 +29,10 @@ struct CIMModelView {
 
     /// Null unless the value is a scalar string.
     static const String* text(const CIMValue& value);
+
+    /// What toString gives, without an end mark; returns its length.
+    static std::size_t writeText(const CIMDateTime& value, char* text);
+    static const std::size_t longestDateTime = 64;
 };
 
 } // namespace OpenWBEM

@@ -26,7 +26,8 @@ struct Word {
 };
 
 bool isSpace(char c) {
-    return c == ' ' || c == '\n' || c == '\r' || c == '\t' || c == '\v';
+    return static_cast<unsigned char>(c) <= ' ' &&
+           (c == ' ' || c == '\n' || c == '\r' || c == '\t' || c == '\v');
 }
 
 bool isDigit(char c) {

@@ -131,6 +131,22 @@ TEST(XmlBufferMarkup, PortionsOfAnySizeArriveInOrder) {
     EXPECT_TRUE(output.text == expected);
 }
 
+TEST(XmlBufferMarkup, WhatWasJustWrittenCanBeReadUntilItIsFlushed) {
+    TextOutput output;
+    XmlBuffer xml(output);
+    xml.Markup("before");
+    const std::uint64_t position = xml.Position();
+    xml.Markup("<a>");
+    xml.Text("&");
+    EXPECT_EQ(xml.Since(position), "<a>&amp;");
+    xml.Flush();
+    EXPECT_EQ(xml.Since(position), "");
+    const std::uint64_t afterFlush = xml.Position();
+    xml.Markup("next");
+    EXPECT_EQ(xml.Since(afterFlush), "next");
+    EXPECT_EQ(xml.Since(position), "");
+}
+
 TEST(XmlBufferMarkup, NumbersAreDecimal) {
     TextOutput output;
     XmlBuffer xml(output);
