@@ -83,7 +83,7 @@ public:
 
 private:
     std::string_view There() {
-        static std::array<char, 256 * 1024> buffer;
+        thread_local std::array<char, 256 * 1024> buffer;
         if (next_ == end_) {
             next_ = 0;
             end_ = connection_.Receive(buffer.data(), buffer.size());
@@ -146,11 +146,17 @@ std::size_t Ask(std::uint16_t port, const std::string& request, std::string* kee
 }
 
 std::string EnumerateInventory() {
+    return Enumerate("ZNX_SoftwareIdentity");
+}
+
+std::string Enumerate(const std::string& className) {
     const std::string body =
         R"(<?xml version="1.0" encoding="utf-8"?><CIM CIMVERSION="2.0" DTDVERSION="2.0">)"
         R"(<MESSAGE ID="1" PROTOCOLVERSION="1.0"><SIMPLEREQ><IMETHODCALL NAME="EnumerateInstances">)"
         R"(<LOCALNAMESPACEPATH><NAMESPACE NAME="root"/><NAMESPACE NAME="cimv2"/></LOCALNAMESPACEPATH>)"
-        R"(<IPARAMVALUE NAME="ClassName"><CLASSNAME NAME="ZNX_SoftwareIdentity"/></IPARAMVALUE>)"
+        R"(<IPARAMVALUE NAME="ClassName"><CLASSNAME NAME=")" +
+        className +
+        R"("/></IPARAMVALUE>)"
         R"(</IMETHODCALL></SIMPLEREQ></MESSAGE></CIM>)";
     return "POST /cimom HTTP/1.1\r\nHost: localhost\r\n"
            "Content-Type: application/xml; charset=\"utf-8\"\r\n"

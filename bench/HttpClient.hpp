@@ -12,8 +12,9 @@ namespace bench {
 /// the connection breaks.
 std::size_t Ask(std::uint16_t port, const std::string& request, std::string* keep = nullptr);
 
-/// A complete CIM-XML request, head and body, for EnumerateInstances of the installed software; it
-/// offers to take trailers.
+/// A complete CIM-XML request, head and body, for EnumerateInstances of a class; it offers to take
+/// trailers.
+std::string Enumerate(const std::string& className);
 std::string EnumerateInventory();
 
 } // namespace bench

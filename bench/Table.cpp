@@ -27,13 +27,15 @@ bool Tell(const std::vector<Row>& rows, const std::string& jsonFile) {
     bool kept = true;
     std::ofstream json(jsonFile);
     json << "[\n";
-    std::printf("%-62s %10s %-8s %s\n", "", "measured", "", "at most");
+    std::printf("%-62s %10s %-8s %s\n", "", "measured", "", "limit");
     for (const Row& row : rows) {
-        const bool missed = row.limit > 0 && row.figure > row.limit;
+        const bool missed =
+            row.limit > 0 && (row.isLeast ? row.figure < row.limit : row.figure > row.limit);
         kept = kept && !missed;
         std::printf("%-62s %10.2f %-8s", row.what.c_str(), row.figure, row.unit.c_str());
         if (row.limit > 0) {
-            std::printf(" %.2f%s", row.limit, missed ? "  MISSED" : "");
+            std::printf(" %s %.2f%s", row.isLeast ? ">=" : "<=", row.limit,
+                        missed ? "  MISSED" : "");
         }
         std::printf("\n");
         json << "  {\"what\": \"" << row.what << "\", \"figure\": " << row.figure

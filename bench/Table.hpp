@@ -8,13 +8,13 @@
 
 namespace bench {
 
-/// One line of the result: a figure, the limit that it must keep, and whether it does. Limits are
-/// upper ones; 0 stands for none.
+/// One line of the result: a figure and the limit that it must keep, 0 for none.
 struct Row {
     std::string what;
     double figure = 0;
     std::string unit;
     double limit = 0;
+    bool isLeast = false; ///< the limit is a lower one
 };
 
 /// Keeps the wall time of every repetition, by the benchmark's name.

@@ -56,6 +56,19 @@ std::string TemporaryFile() {
     return name;
 }
 
+double MemoryOf(pid_t process, const std::string& item) {
+    std::ifstream status("/proc/" + std::to_string(process) + "/status");
+    std::string word;
+    while (status >> word) {
+        if (word == item) {
+            double kibibytes = 0;
+            status >> kibibytes;
+            return kibibytes * 1024 / 1e6;
+        }
+    }
+    throw std::runtime_error("the server is gone");
+}
+
 } // namespace
 
 ServerProcess::ServerProcess(const std::vector<std::string>& moreArguments)
@@ -109,16 +122,11 @@ std::string ServerProcess::Log() const {
 }
 
 double ServerProcess::ResidentMegabytes() const {
-    std::ifstream status("/proc/" + std::to_string(process_) + "/status");
-    std::string word;
-    while (status >> word) {
-        if (word == "VmRSS:") {
-            double kibibytes = 0;
-            status >> kibibytes;
-            return kibibytes * 1024 / 1e6;
-        }
-    }
-    throw std::runtime_error("the server is gone");
+    return MemoryOf(process_, "VmRSS:");
+}
+
+double ServerProcess::PeakMegabytes() const {
+    return MemoryOf(process_, "VmHWM:");
 }
 
 std::size_t ServerProcess::OpenDescriptors() const {

@@ -28,6 +28,8 @@ public:
 
     /// Resident memory in MB (10^6 bytes), as the kernel counts it.
     double ResidentMegabytes() const;
+    /// The most that it has ever been.
+    double PeakMegabytes() const;
     std::size_t OpenDescriptors() const;
     /// Children that have ended and were not waited for.
     std::size_t Zombies() const;

@@ -3,10 +3,11 @@
 
 #include "bench/HttpClient.hpp"
 #include "bench/HttpFloor.hpp"
+#include "bench/Measure.hpp"
 #include "bench/Table.hpp"
+#include "bench/Tool.hpp"
 #include "provider/common/Common.hpp"
 #include "provider/master/MasterProvider.hpp"
-#include "tests/support/ToolDouble.hpp"
 #include "tests/support/provider/Provider.hpp"
 #include "tests/support/server/ServerProcess.hpp"
 
@@ -23,35 +24,7 @@
 namespace {
 
 using bench::Row;
-
-// What the tool prints for `count` installed packages.
-std::string Listing(int count) {
-    const std::array<const char*, 4> kinds = {"Operating System", "Middleware",
-                                              "Application Software", "Other"};
-    std::string text;
-    for (int i = 0; i < count; ++i) {
-        const std::string number = std::to_string(i);
-        text += "package-" + number + "\t1." + number + "-2+deb12u1\t" +
-                kinds[static_cast<std::size_t>(i) % kinds.size()] +
-                "\tThu Jan  2 03:04:05 UTC 2025\n";
-    }
-    return text;
-}
-
-// The scripted tool, playing a listing of the size that was asked for last.
-class Tool {
-public:
-    void List(int count) {
-        if (count != count_) {
-            double_.Plays("", test_support::ToolAnswer().Output(Listing(count)));
-            count_ = count;
-        }
-    }
-
-private:
-    test_support::ToolDouble double_;
-    int count_ = -1;
-};
+using bench::Tool;
 
 class Counter : public OpenWBEM::CIMInstanceResultHandlerIFC {
 public:
@@ -109,8 +82,8 @@ void CutWithLibrary(int expected) {
     }
 }
 
-void Enumerate(SoftwareUpdateProvider& provider, const OpenWBEM::ProviderEnvironmentIFCRef& env,
-               int expected) {
+void EnumerateInProcess(SoftwareUpdateProvider& provider,
+                        const OpenWBEM::ProviderEnvironmentIFCRef& env, int expected) {
     Counter counter;
     provider.enumInstances(
         env, "root/cimv2", "ZNX_SoftwareIdentity", counter, OpenWBEM::WBEMFlags::E_NOT_LOCAL_ONLY,
@@ -175,7 +148,9 @@ void AddRows(std::vector<Row>& rows, const bench::Times& times, int count,
     rows.push_back({of + ": the same over the floor", (http - inProcess) / httpFloor, "times", 3});
 }
 
-int Run(const std::string& jsonFile) {
+} // namespace
+
+std::vector<Row> bench::MeasureInventory() {
     Tool tool;
     std::vector<double> starts;
     double idle = 0;
@@ -210,7 +185,7 @@ int Run(const std::string& jsonFile) {
         Register(Named("tool/", count), tool, count, [] { ReadOnly(); });
         Register(Named("cut/", count), tool, count, [count] { CutWithLibrary(count); });
         Register(Named("enumerate/", count), tool, count,
-                 [&provider, &env, count] { Enumerate(provider, env, count); });
+                 [&provider, &env, count] { EnumerateInProcess(provider, env, count); });
         Register(Named("http/", count), tool, count,
                  [&server] { bench::Ask(server.Port(), bench::EnumerateInventory()); });
         Register(Named("httpfloor/", count), tool, count,
@@ -226,31 +201,5 @@ int Run(const std::string& jsonFile) {
     }
     rows.push_back({"server start to first answer, median of 9", Median(starts), "ms", 50});
     rows.push_back({"idle resident memory after a first answer", idle, "MB", 9});
-    return bench::Tell(rows, jsonFile) ? 0 : 1;
-}
-
-} // namespace
-
-int main(int argc, char** argv) {
-    if (argc != 2) {
-        std::fprintf(stderr, "usage: bench_inventory JSONFILE\n");
-        return 2;
-    }
-    // Repetitions of all benchmarks in random order, so that a slow moment of the machine hits
-    // floor and subject alike.
-    std::array<std::string, 4> options = {argv[0], "--benchmark_repetitions=9",
-                                          "--benchmark_enable_random_interleaving=true",
-                                          "--benchmark_min_time=0.1"};
-    std::array<char*, 4> pointers{};
-    for (std::size_t i = 0; i < options.size(); ++i) {
-        pointers[i] = options[i].data();
-    }
-    int count = static_cast<int>(pointers.size());
-    benchmark::Initialize(&count, pointers.data());
-    try {
-        return Run(argv[1]);
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "bench_inventory: %s\n", error.what());
-        return 1;
-    }
+    return rows;
 }

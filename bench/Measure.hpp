@@ -1,0 +1,16 @@
+// What is measured; each function starts the servers and tools that it needs and ends them.
+#pragma once
+
+#include "bench/Table.hpp"
+
+#include <vector>
+
+namespace bench {
+
+/// The installed software, from the tool to the client: what each stage costs.
+std::vector<Row> MeasureInventory();
+
+/// The server: large answers, many clients, small calls.
+std::vector<Row> MeasureServer();
+
+} // namespace bench
