@@ -69,6 +69,7 @@ void LogInfo(const char* text) {
 }
 
 [[noreturn]] void ThrowExecutionFailed(const String& message) {
+    // ODDITY CM-12: the argument is the whole sentence, not the command line in it.
     ThrowCimFailed(locMsg("SWU_Error_ExecutionFailed", message.c_str(), message.c_str(), nullptr));
 }
 

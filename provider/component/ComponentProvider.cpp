@@ -63,6 +63,8 @@ public:
         if (name_.empty() || version_.empty()) {
             ThrowCimFailed("Missing Name and/or Version");
         }
+        // ODDITY CO-9: name and version stand unquoted for the shell, and so do the names of the
+        // chosen components when the update is applied.
         return COMMAND + name_ + " " + version_;
     }
     // A copy stays the caller's own.
@@ -193,6 +195,7 @@ CIMInstance ComponentProvider::getInstance(const ProviderEnvironmentIFCRef&, con
                                            const CIMObjectPath& instanceName, ELocalOnlyFlag,
                                            EIncludeQualifiersFlag, EIncludeClassOriginFlag,
                                            const StringArray*, const CIMClass&) {
+    // ODDITY CO-8: answers from the last enumeration and never lists anew.
     const List list = ListSnapshot(gComponentList);
     return GetInstance(GetIndexFromObjectPath(instanceName, list), list);
 }

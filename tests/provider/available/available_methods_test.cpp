@@ -413,3 +413,13 @@ TEST_F(AvailableMethodOddities, AV19_ARefusalIsAReturnedText) {
     EXPECT_EQ(Invoke("GetViaUsb", {CIMValue("a;b")}), CIMValue("Invalid Parameters"));
     EXPECT_THAT(tool.Calls(), IsEmpty());
 }
+
+TEST_F(AvailableMethodOddities, AV22_MethodNamesAreComparedWithTheirCase) {
+    for (const char* const other :
+         {"getviaftp", "GetViaFTP", "getviahttp", "getviasamba", "getviausb", "getviaharddrive",
+          "getviaelementmanager", "getprogress", "apply", "WARNINGS", "hasoptionalcomponents",
+          "addtoschedule"}) {
+        EXPECT_EQ(CimErrorOf([&] { InvokeOn("0", other); }).number, 17) << other;
+    }
+    EXPECT_THAT(tool.Calls(), IsEmpty());
+}

@@ -185,3 +185,12 @@ TEST_F(CommonOddities, CM2_EveryFailureInTheBackgroundIsLoggedAsUnknown) {
                                  "SWU_Patchkeeper_Unknown");
     }
 }
+
+TEST_F(CommonOddities, CM12_TheArgumentOfAFailedStartIsTheWholeSentence) {
+    tool.Plays("--setinprogress", ToolAnswer().ExitCode(1));
+    PrintedBy([&] {
+        EXPECT_EQ(CimErrorOf([] { SpawnBackgroundThread("/qv/bin/patchkeeper --em "); }).message,
+                  "general error (Failed: /qv/bin/patchkeeper --em \n"
+                  "#SWU_Error_ExecutionFailed,Failed: /qv/bin/patchkeeper --em #)");
+    });
+}

@@ -1,5 +1,7 @@
 #include "ComponentTest.hpp"
 
+#include "provider/available/AvaliableProvider.hpp"
+
 using namespace OpenWBEM;
 using test_support::CimErrorOf;
 using test_support::Failed;
@@ -362,4 +364,30 @@ TEST_F(ComponentOddities, CO7_LinesOfErrorOutputAreComponents) {
     const CIMInstanceArray instances = Enumerate();
     ASSERT_EQ(instances.size(), 2U);
     EXPECT_EQ(ValueOf(instances[1], "Name"), "cannot read cache");
+}
+
+TEST_F(ComponentOddities, CO8_GetInstanceNeverListsAnew) {
+    Enumerate();
+    Prints("x\n");
+    tool.ForgetCalls();
+    EXPECT_EQ(ValueOf(Get("0"), "Name"), "a");
+    EXPECT_THAT(tool.Calls(), IsEmpty());
+}
+
+TEST_F(ComponentOddities, CO9_NamesReachTheShellUnquoted) {
+    SelectComponentsOf("a'b c'", "$((1+1))");
+    Prints("two 'words and' $((3+4))\n");
+    Enumerate();
+    Choose("0");
+    AvaliableUpdate update;
+    update.Name = "N";
+    update.Version = "V";
+    tool.PlaysOtherwise(ToolAnswer());
+    update.Apply();
+    WaitForBackgroundTasks();
+    EXPECT_THAT(tool.Calls(),
+                ElementsAre(ElementsAre("/qv/bin/patchkeeper", "--components", "ab c", "2"),
+                            ElementsAre("/qv/bin/patchkeeper", "--setinprogress"),
+                            ElementsAre("/qv/bin/patchkeeper", "--apply", "N", "V", "two",
+                                        "words and", "7")));
 }

@@ -173,3 +173,19 @@ TEST_F(FileNameProviderOddities, FN8_MethodsAreNotSupportedRatherThanNotFound) {
     }
     EXPECT_THAT(tool.Calls(), IsEmpty());
 }
+
+TEST_F(FileNameProviderOddities, FN9_NoOperationLooksForTheFileOfAnInstance) {
+    Prints("one\n");
+    const CIMInstance instance = Get("one");
+    tool.ForgetCalls();
+    FileNameRecord record;
+    provider.getFileNameWithCIMInstance(instance, record);
+    EXPECT_EQ(tool.Calls().size(), 1U);
+    tool.ForgetCalls();
+    // Neither the file of an instance is looked for, nor is one without a key missed.
+    for (const CIMInstance& given : {instance, CIMInstance(FILE_NAMES)}) {
+        EXPECT_EQ(CimErrorOf([&] { calls.CreateInstance(given); }), NotSupported());
+        EXPECT_EQ(CimErrorOf([&] { calls.ModifyInstance(given); }), NotSupported());
+    }
+    EXPECT_THAT(tool.Calls(), IsEmpty());
+}

@@ -443,3 +443,18 @@ TEST_F(ScheduledOddities, SC14_RemoveReadsNoParameters) {
     EXPECT_EQ(Invoke("vim 9.0", "Remove", In({null, CIMValue(1), CIMValue("x")})), CIMValue(""));
     EXPECT_EQ(tool.ShellCommands().back(), "/qv/bin/patchkeeper --msched vim 9.0");
 }
+
+TEST_F(ScheduledOddities, SC15_NoOperationLooksForTheUpdateOfAnInstance) {
+    const CIMInstance instance = Get("vim 9.0");
+    tool.ForgetCalls();
+    ScheduledUpdate record;
+    provider.getScheduledUpdateWithCIMInstance(instance, record);
+    EXPECT_EQ(tool.Calls().size(), 1U);
+    tool.ForgetCalls();
+    // Neither the update of an instance is looked for, nor is one without a key refused as such.
+    for (const CIMInstance& given : {instance, CIMInstance(SCHEDULED)}) {
+        EXPECT_EQ(CimErrorOf([&] { calls.CreateInstance(given); }).number, 7);
+        EXPECT_EQ(CimErrorOf([&] { calls.ModifyInstance(given); }).number, 7);
+    }
+    EXPECT_THAT(tool.Calls(), IsEmpty());
+}
