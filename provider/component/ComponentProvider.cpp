@@ -41,18 +41,22 @@ const CIMName VERSION_STRING("VersionString");
 const CIMName SHORT_DESCRIPTION("ShortDescription");
 const CIMName INSTALL("Install");
 
-// What ListRefresh is to other lists. This list belongs to the update that was selected when the
-// refresh began: once another one is selected, it is not touched any more.
+// How often an update was selected. Guarded by gSharedListLock.
+unsigned long selections = 0;
+
+// What ListRefresh is to other lists. This list belongs to the selection that stood when the
+// refresh began: once an update is selected, also the same one again, it is not touched any more.
 class ComponentRefresh {
 public:
     ComponentRefresh() {
         const std::lock_guard<std::mutex> lock(gSharedListLock);
+        selection_ = selections;
         name_ = gPatchName;
         version_ = gPatchVersion;
     }
     ~ComponentRefresh() {
         const std::lock_guard<std::mutex> lock(gSharedListLock);
-        if (gPatchName == name_ && gPatchVersion == version_) {
+        if (selections == selection_) {
             gComponentList.swap(records_);
         }
     }
@@ -72,6 +76,7 @@ public:
     void Append(const Component& record) { records_.push_back(record); }
 
 private:
+    unsigned long selection_ = 0;
     String name_;
     String version_;
     Array<Component> records_;
@@ -111,6 +116,7 @@ bool InstallIn(const CIMInstance& instance) {
 
 void SelectComponentsOf(const String& name, const String& version) {
     const std::lock_guard<std::mutex> lock(gSharedListLock);
+    ++selections;
     gComponentList = Array<Component>();
     gPatchName = name;
     gPatchVersion = version;
