@@ -321,6 +321,11 @@ Call ReferenceNames(const CIMObjectPath& path, const char* resultClass, const ch
     });
 }
 
+Call Gives(Call call, const std::string& answer) {
+    call.given = answer;
+    return call;
+}
+
 Call Plays(const char* option, const ToolAnswer& answer) {
     return {"", std::string("the tool's answer to ") + option + " changes", [=](Scene& scene) {
                 scene.tool.Plays(option, answer);
@@ -333,6 +338,10 @@ Call ToolIsGone() {
                 scene.tool.TakeToolAway();
                 return std::string();
             }};
+}
+
+std::vector<std::string> Missed(const std::string& command, int exitCode) {
+    return {command, "/qv/bin/patchkeeper --errors " + std::to_string(exitCode)};
 }
 
 const std::vector<Table>& Tables() {
