@@ -1,7 +1,5 @@
 #include "AvailableTest.hpp"
 
-#include "OW_CIMDateTime.hpp"
-
 #include <cstdlib>
 #include <filesystem>
 
@@ -14,10 +12,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace {
-
-CIMValue When(const char* text) {
-    return CIMValue(CIMDateTime(String(text)));
-}
 
 const char* const MARK = "/qv/bin/patchkeeper --setinprogress";
 
@@ -273,7 +267,7 @@ TEST_F(AvailableMethods, HavingComponentsForgetsThoseOfBefore) {
 }
 
 // What a tool that could not be started gives: -1 where its output is wanted.
-TEST_F(AvailableMethods, ACommandOverTheSystemsLimit) {
+TEST_F(AvailableMethods, ACommandOverTheSystemsLimitIsAFailure) {
     const AvaliableUpdate record = Record(std::string(200'000, 'n').c_str(), "V");
     EXPECT_EQ(CimErrorOf([&] { record.Schedule("d", "t"); }),
               Failed("A description.\n\n#SWU_Patchkeeper_Unknown#"));

@@ -11,18 +11,6 @@ using test_support::ToolAnswer;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-namespace {
-
-StringArray Names(const std::vector<const char*>& names) {
-    StringArray result;
-    for (const char* const name : names) {
-        result.push_back(name);
-    }
-    return result;
-}
-
-} // namespace
-
 class Available : public AvailableTest {
 protected:
     Available() {

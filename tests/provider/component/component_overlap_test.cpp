@@ -14,7 +14,7 @@ protected:
     }
 };
 
-TEST_F(ComponentOverlap, EnumerationsChoicesGetsAndSelectionsAtOnce) {
+TEST_F(ComponentOverlap, EverythingAtOnceGivesEveryCallItsOwnAnswer) {
     const auto enumerate = [&] {
         const CIMInstanceArray instances = calls.EnumInstances(COMPONENT);
         ASSERT_EQ(instances.size(), 3U);

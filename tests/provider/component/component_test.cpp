@@ -187,7 +187,7 @@ TEST_F(Components, FieldsBehindTheNameAreIgnored) {
     EXPECT_EQ(ValueOf(instances[1], "Name"), "b");
 }
 
-TEST_F(Components, NoneAtAll) {
+TEST_F(Components, WithoutOutputThereIsNothing) {
     Enumerate();
     Choose("0");
     Prints("");
@@ -196,7 +196,7 @@ TEST_F(Components, NoneAtAll) {
     EXPECT_EQ(CimErrorOf([&] { Get("0"); }), NotFound());
 }
 
-TEST_F(Components, MoreOfThemThanASixteenBitCounterNumbers) {
+TEST_F(Components, MoreOfThemThanASixteenBitCounterNumbersAreServed) {
     std::string output;
     for (int i = 0; i < 70'000; ++i) {
         output += "c" + std::to_string(i) + "\n";
@@ -238,7 +238,7 @@ TEST_F(ComponentFailures, AFailingToolIsDescribedAndLeavesNothing) {
     EXPECT_EQ(gComponentList.size(), 0U);
 }
 
-TEST_F(ComponentFailures, AMissingTool) {
+TEST_F(ComponentFailures, AMissingToolIsAFailureWithoutADescription) {
     tool.TakeToolAway();
     EXPECT_EQ(EnumerationError(), Failed("SWU_Patchkeeper_Unknown"));
     EXPECT_EQ(gComponentList.size(), 0U);
