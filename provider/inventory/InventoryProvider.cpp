@@ -94,7 +94,8 @@ CIMPropertyArray CartridgeKeys(const InventoryObject& record) {
     return CIMPropertyArray(1, CIMProperty(VERSION, CIMValue(record.Version)));
 }
 
-// Version is no key by qualifier; the key list alone gives clients a path to return to.
+// ODDITY IN-7: Version is no key by qualifier; the key list alone gives clients a path to return
+// to.
 CIMInstance CartridgeInstance(const InventoryObject& record) {
     CIMInstance instance(CARTRIDGE_CLASS);
     instance.setProperty(VERSION, CIMValue(record.Version));

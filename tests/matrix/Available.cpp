@@ -267,6 +267,10 @@ Rows Warnings() {
     const Call list = UpdatesListed();
     const Call call = Invoke(Update("0"), "Warnings");
     const ToolAnswer beware = ToolAnswer().Output("Beware.\n");
+    std::string lines;
+    while (lines.size() < 2 * 70'000) {
+        lines += "x\n";
+    }
     const auto row = [&](const char* situation, const ToolAnswer& answer,
                          const std::string& result) {
         return Row{call, situation, {list, Plays("--warnings", answer)}, {ASKS_WARNINGS}, result};
@@ -276,6 +280,12 @@ Rows Warnings() {
         row("there are none", ToolAnswer(), "string \"\""),
         row("exit code 1", ToolAnswer(beware).ExitCode(1), "string \"Beware.\n\""),
         row("error output", ToolAnswer().ErrorText("Hm.\n"), "string \"Hm.\n\""),
+        row("no final newline", ToolAnswer().Output("a\nb"), "string \"a\nb\""),
+        row("carriage returns", ToolAnswer().Output("a\r\nb\r\n"), "string \"a\r\nb\r\n\""),
+        row("bytes that are no UTF-8", ToolAnswer().Output("\xff\xc3\n"), "string \"\xff\xc3\n\""),
+        row("a zero byte, which ends its line", ToolAnswer().Output(std::string("a\0b\nc\n", 6)),
+            "string \"ac\n\""),
+        row("70,000 lines", ToolAnswer().Output(lines), "string \"" + lines + "\""),
         {call,
          "exit code 2",
          {list, Plays("--warnings", ToolAnswer(beware).ExitCode(2))},
@@ -384,8 +394,6 @@ Rows Schedules() {
     const std::vector<std::pair<const char*, OpenWBEM::CIMValue>> wrong = {
         {"null", Null()},
         {"a text", Text("20260102030405.000000+000")},
-        {"an empty text", Text("")},
-        {"100,000 characters", Text(std::string(100'000, '1'))},
         {"a number", Number(1)},
         {"a boolean", Flag(true)},
         {"an interval", When("00000001000000.000000:000")},
@@ -398,6 +406,13 @@ Rows Schedules() {
     for (const auto& [what, value] : wrong) {
         rows.push_back({at(value, time), std::string(what) + " as date", {list}, {}, Fails(4)});
         rows.push_back({at(date, value), std::string(what) + " as time", {list}, {}, Fails(4)});
+    }
+    for (const Hostile& hostile : HostileTexts()) {
+        const OpenWBEM::CIMValue text = Text(hostile.text);
+        rows.push_back(
+            {at(text, time), std::string("the date is ") + hostile.what, {list}, {}, Fails(4)});
+        rows.push_back(
+            {at(date, text), std::string("the time is ") + hostile.what, {list}, {}, Fails(4)});
     }
     return rows;
 }

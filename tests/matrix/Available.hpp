@@ -55,7 +55,7 @@ inline Call UpdatesListed(const std::string& answer = UPDATE_N + "\n" + UPDATE_M
     return Gives(Enumerate(UPDATE), answer);
 }
 
-inline Call Prints(const char* option, const char* output) {
+inline Call Prints(const char* option, const std::string& output) {
     return Plays(option, test_support::ToolAnswer().Output(output));
 }
 

@@ -286,7 +286,13 @@ Rows Progress() {
     const std::string noStatus =
         "sint8 -1, Status = string \"Failed to parse Progress status string\"";
     const std::string noCode = "sint8 -1, Status = string \"Invalid GetProgress Return Code\"";
-    const auto row = [&](const char* output, const char* situation, const std::string& answer) {
+    const std::string longText(3000, 'x');
+    std::string lines = "1\tFirst\n";
+    while (lines.size() < 2 * 70'000) {
+        lines += "x\n";
+    }
+    const auto row = [&](const std::string& output, const char* situation,
+                         const std::string& answer) {
         return Row{call, situation, {Prints("--status", output)}, {ASKS_PROGRESS}, answer};
     };
     return {
@@ -307,6 +313,12 @@ Rows Progress() {
             "sint8 1, Status = string \"Text\""),
         row("1\tText\r\n", "a carriage return", "sint8 1, Status = string \"Text\r\""),
         row("1\t\xff\xc3\n", "bytes that are no UTF-8", "sint8 1, Status = string \"\xff\xc3\""),
+        row("1\tText", "no final newline", "sint8 1, Status = string \"Text\""),
+        row(std::string("1\tTe\0xt\n", 8), "a zero byte, which ends its line",
+            "sint8 1, Status = string \"Te\""),
+        row("1\t" + longText + "\n", "a line beyond the runner's buffer",
+            "sint8 1, Status = string \"" + longText + "\""),
+        row(lines, "70,000 lines", "sint8 1, Status = string \"First\""),
         {call, "the tool fails", {Ends("--status", 11)}, {ASKS_PROGRESS, Asks(11)}, ToolFails(11)},
         {call,
          "the tool is killed",

@@ -131,6 +131,29 @@ TEST_F(InventoryFailures, TheLastLineNeedsNoNewline) {
     EXPECT_EQ(Enumerate().number, 0);
 }
 
+TEST_F(InventoryFailures, ALineOf1023BytesIsReadWhole) {
+    const std::string rest = Line("", "5");
+    const std::string name(1023 - rest.size(), 'n');
+    Prints(Line(name, "5"));
+    const CIMInstanceArray instances = calls.EnumInstances(IDENTITY);
+    ASSERT_EQ(instances.size(), 1U);
+    EXPECT_EQ(ValueOf(instances[0], "Name"), name);
+}
+
+TEST_F(InventoryFailures, ALineOf1024BytesLosesItsNewlineToALineOfItsOwn) {
+    Prints(Line(std::string(1024 - Line("", "5").size(), 'n'), "5"));
+    EXPECT_EQ(Enumerate(), Failed(MissingField("Name")));
+    EXPECT_EQ(ValueOf(Get("0"), "PackageVersion"), "5");
+}
+
+TEST_F(InventoryFailures, DuplicateRecordsStandSideBySide) {
+    Prints(Line("bash", "5") + Line("bash", "5"));
+    const CIMInstanceArray instances = calls.EnumInstances(IDENTITY);
+    ASSERT_EQ(instances.size(), 2U);
+    EXPECT_EQ(ValueOf(instances[0], "InstanceID"), "0");
+    EXPECT_EQ(ValueOf(instances[1], "InstanceID"), "1");
+}
+
 TEST_F(InventoryFailures, ALineOfMoreThan1023CharactersFallsApart) {
     Prints(Line(std::string(1100, 'n'), "5"));
     EXPECT_EQ(Enumerate(), Failed(MissingField("Version")));
@@ -141,6 +164,12 @@ TEST_F(InventoryFailures, AnyBytesPassAsText) {
     const CIMInstanceArray instances = calls.EnumInstances(IDENTITY);
     EXPECT_EQ(instances[0].getPropertyValue("Name"), CIMValue("\xff\xc3\x01"));
     EXPECT_EQ(instances[1].getPropertyValue("Name"), CIMValue("a\r"));
+}
+
+TEST_F(InventoryFailures, ACarriageReturnBehindTheDateIsWhiteSpace) {
+    Prints("bash\t5\tOther\tThu Jan  2 03:04:05 UTC 2025\r\n");
+    EXPECT_EQ(ValueOf(calls.EnumInstances(IDENTITY)[0], "InstalledDate"),
+              "20250102030405.000000+000");
 }
 
 TEST_F(InventoryFailures, AZeroByteEndsItsLine) {

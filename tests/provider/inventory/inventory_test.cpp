@@ -187,16 +187,6 @@ TEST_F(Cartridge, IsNamedByDefault) {
     EXPECT_EQ(calls.EnumInstances(CARTRIDGE).size(), 1U);
 }
 
-TEST_F(Cartridge, VersionIsNoKeyPropertyButTheKeyOfThePath) {
-    Prints(Line("znxliteEMcartridge", "7"));
-    const CIMInstance instance = calls.EnumInstances(CARTRIDGE)[0];
-    EXPECT_FALSE(instance.getProperty("Version").isKey());
-    const CIMObjectPath path("root/cimv2", instance);
-    EXPECT_EQ(path, PathOf(CARTRIDGE, "Version", "7"));
-    EXPECT_EQ(calls.EnumInstanceNames(CARTRIDGE)[0], path);
-    EXPECT_EQ(CIMObjectPath("root/cimv2", calls.GetInstance(path)), path);
-}
-
 TEST_F(Cartridge, WithoutThePackageThereIsNothing) {
     Prints(Line("bash", "5"));
     EXPECT_TRUE(calls.EnumInstances(CARTRIDGE).empty());
@@ -263,4 +253,14 @@ TEST_F(InventoryOddities, IN6_AMissingCartridgeIsAnInvalidParameter) {
     EXPECT_TRUE(log->Contains("ERROR: Missing InstanceID property"));
     const CIMInstance other = calls.GetInstance(PathOf(CARTRIDGE, "InstanceID", "0"));
     EXPECT_EQ(Text(other.getClassName()), "ZNX_SoftwareIdentity");
+}
+
+TEST_F(InventoryOddities, IN7_VersionIsNoKeyPropertyButTheKeyOfThePath) {
+    Prints(Line("znxliteEMcartridge", "7"));
+    const CIMInstance instance = calls.EnumInstances(CARTRIDGE)[0];
+    EXPECT_FALSE(instance.getProperty("Version").isKey());
+    const CIMObjectPath path("root/cimv2", instance);
+    EXPECT_EQ(path, PathOf(CARTRIDGE, "Version", "7"));
+    EXPECT_EQ(calls.EnumInstanceNames(CARTRIDGE)[0], path);
+    EXPECT_EQ(CIMObjectPath("root/cimv2", calls.GetInstance(path)), path);
 }
