@@ -49,9 +49,7 @@ Call Prints(const std::string& output) {
 }
 
 std::string Lacks(const std::string& field) {
-    return Fails(1, "Failed to parse " + field +
-                        " field from /qv/bin/patchkeeper --apply \n#SWU_Error_ParsingFailed," +
-                        field + ",/qv/bin/patchkeeper --apply #");
+    return LacksField(field, "/qv/bin/patchkeeper --apply ");
 }
 
 void AddEnumerations(std::vector<Row>& rows) {

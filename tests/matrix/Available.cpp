@@ -32,9 +32,7 @@ const std::string M_DESCRIBED =
     "UpdateDescription = string \"The long\ntext.\n\"; }";
 
 std::string MissingField(const std::string& field) {
-    return Fails(1, "Failed to parse " + field +
-                        " field from /qv/bin/patchkeeper --cache \n#SWU_Error_ParsingFailed," +
-                        field + ",/qv/bin/patchkeeper --cache #");
+    return LacksField(field, "/qv/bin/patchkeeper --cache ");
 }
 
 Rows Enumerations() {

@@ -21,8 +21,7 @@ const std::string PATHS = "/root/cimv2:ZNX_SoftwareUpdateComponent.InstanceID=\"
                           "/root/cimv2:ZNX_SoftwareUpdateComponent.InstanceID=\"1\"\n"
                           "/root/cimv2:ZNX_SoftwareUpdateComponent.InstanceID=\"2\"";
 
-const std::string NO_NAME = Fails(1, "Failed to parse Name field from /qv/bin/patchkeeper --hist\n"
-                                     "#SWU_Error_ParsingFailed,Name,/qv/bin/patchkeeper --hist#");
+const std::string NO_NAME = LacksField("Name", "/qv/bin/patchkeeper --hist");
 
 OpenWBEM::CIMObjectPath Component(const char* id) {
     return Path(COMPONENT, "InstanceID", id);

@@ -45,9 +45,7 @@ Call Prints(const std::string& output) {
 }
 
 std::string Lacks(const std::string& field) {
-    return Fails(1, "Failed to parse " + field +
-                        " field from /qv/bin/patchkeeper --hist\n#SWU_Error_ParsingFailed," +
-                        field + ",/qv/bin/patchkeeper --hist#");
+    return LacksField(field, "/qv/bin/patchkeeper --hist");
 }
 
 std::string NotStarted() {

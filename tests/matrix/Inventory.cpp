@@ -53,9 +53,7 @@ Call Listed() {
 }
 
 std::string Lacks(const std::string& field) {
-    return Fails(1, "Failed to parse " + field +
-                        " field from /qv/bin/patchkeeper \n#SWU_Error_ParsingFailed," + field +
-                        ",/qv/bin/patchkeeper #");
+    return LacksField(field, "/qv/bin/patchkeeper ");
 }
 
 void AddPackages(std::vector<Row>& rows) {

@@ -151,6 +151,11 @@ std::string ToolFails(int exitCode) {
     return Fails(1, std::string("What it means.\n\n#") + IdOf(exitCode) + "#");
 }
 
+std::string LacksField(const std::string& field, const std::string& command) {
+    return Fails(1, "Failed to parse " + field + " field from " + command +
+                        "\n#SWU_Error_ParsingFailed," + field + "," + command + "#");
+}
+
 CIMValue Text(const std::string& text) {
     return CIMValue(String(text.data(), text.size()));
 }

@@ -59,6 +59,9 @@ std::string Escapes(const std::string& type);
 // answer.
 std::string ToolFails(int exitCode);
 
+// The failure that a line ends in which lacks this field, where this command line has printed it.
+std::string LacksField(const std::string& field, const std::string& command);
+
 OpenWBEM::CIMValue Text(const std::string& text);
 OpenWBEM::CIMValue Flag(bool flag);
 OpenWBEM::CIMValue Number(int number);         // sint32

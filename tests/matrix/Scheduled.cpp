@@ -58,9 +58,7 @@ Call Prints(const std::string& output) {
 }
 
 std::string Lacks(const std::string& field) {
-    return Fails(1, "Failed to parse " + field +
-                        " field from /qv/bin/patchkeeper --sched \n#SWU_Error_ParsingFailed," +
-                        field + ",/qv/bin/patchkeeper --sched #");
+    return LacksField(field, "/qv/bin/patchkeeper --sched ");
 }
 
 void AddEnumerations(std::vector<Row>& rows) {
