@@ -432,6 +432,8 @@ CIMValue AvaliableUpdateProvider::InvokeOnUpdate(const CIMObjectPath& path,
     }
     if (methodName == "AddToSchedule") {
         RequireCount(in, 2, CIMException::INVALID_PARAMETER);
+        // ODDITY AV-23: each text carries the day and the time of day; the tool takes the one from
+        // the first and the other from the second.
         const String date = DateParameter(in, 0);
         const String time = DateParameter(in, 1);
         return CIMValue(update.Schedule(date, time));

@@ -255,6 +255,7 @@ void SpawnBackgroundThread(const String& command) {
     if (Execute("/qv/bin/patchkeeper --setinprogress") != 0) {
         const String message = String("Failed: ") + command;
         LogError(message);
+        // ODDITY CM-13: printed whatever the debug switch says, which the failure below is not.
         printf("%s\n", message.c_str());
         ThrowExecutionFailed(message);
     }

@@ -234,5 +234,6 @@ void InventoryProvider::modifyInstance(const ProviderEnvironmentIFCRef&, const S
 CIMValue InventoryProvider::invokeMethod(const ProviderEnvironmentIFCRef&, const String&,
                                          const CIMObjectPath&, const String&,
                                          const CIMParamValueArray&, CIMParamValueArray&) {
+    // ODDITY IN-8: methods are not supported, rather than not found.
     OW_THROWCIM(CIMException::NOT_SUPPORTED);
 }

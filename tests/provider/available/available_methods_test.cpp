@@ -417,3 +417,11 @@ TEST_F(AvailableMethodOddities, AV22_MethodNamesAreComparedWithTheirCase) {
     }
     EXPECT_THAT(tool.Calls(), IsEmpty());
 }
+
+TEST_F(AvailableMethodOddities, AV23_BothTextsCarryTheDayAndTheTimeOfDay) {
+    InvokeOn("0", "AddToSchedule",
+             {When("20260213010203.000000+000"), When("20270405060708.000000+000")});
+    EXPECT_THAT(tool.Calls().back(),
+                ElementsAre("/qv/bin/patchkeeper", "--sched", "N", "V", "Fri Feb 13 01:02:03 2026",
+                            "Mon Apr  5 06:07:08 2027"));
+}

@@ -194,3 +194,16 @@ TEST_F(CommonOddities, CM12_TheArgumentOfAFailedStartIsTheWholeSentence) {
                   "#SWU_Error_ExecutionFailed,Failed: /qv/bin/patchkeeper --em #)");
     });
 }
+
+TEST_F(CommonOddities, CM13_AFailedMarkIsPrintedAlwaysAndAFailedStartOnlyWithTheSwitch) {
+    gProviderAgentDebug = false;
+    EXPECT_EQ(PrintedBy([&] {
+                  const NoMoreThreads none;
+                  EXPECT_EQ(CimErrorOf([] { SpawnBackgroundThread(COMMAND); }).number, 1);
+              }),
+              "");
+    tool.Plays("--setinprogress", ToolAnswer().ExitCode(1));
+    EXPECT_EQ(
+        PrintedBy([&] { EXPECT_EQ(CimErrorOf([] { SpawnBackgroundThread(COMMAND); }).number, 1); }),
+        "Failed: /qv/bin/patchkeeper --apply N V \n");
+}

@@ -264,3 +264,14 @@ TEST_F(InventoryOddities, IN7_VersionIsNoKeyPropertyButTheKeyOfThePath) {
     EXPECT_EQ(calls.EnumInstanceNames(CARTRIDGE)[0], path);
     EXPECT_EQ(CIMObjectPath("root/cimv2", calls.GetInstance(path)), path);
 }
+
+TEST_F(InventoryOddities, IN8_MethodsAreNotSupportedRatherThanNotFound) {
+    CIMParamValueArray out;
+    for (const char* const method : {"Remove", "Any", ""}) {
+        EXPECT_EQ(CimErrorOf([&] {
+                      provider.invokeMethod(env, "root/cimv2", PathOf(IDENTITY, "InstanceID", "0"),
+                                            method, CIMParamValueArray(), out);
+                  }).number,
+                  7);
+    }
+}
