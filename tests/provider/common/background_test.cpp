@@ -14,7 +14,6 @@ using test_support::CimErrorOf;
 using test_support::Failed;
 using test_support::ToolAnswer;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 namespace {
 

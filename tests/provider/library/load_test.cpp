@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <thread>
@@ -21,7 +22,6 @@ using test_support::NotFound;
 using test_support::PathOf;
 using test_support::ToolAnswer;
 using test_support::ToolDouble;
-using testing::ElementsAre;
 
 namespace {
 
