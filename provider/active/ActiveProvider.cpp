@@ -109,6 +109,7 @@ void ActiveUpdateProvider::getActiveUpdateWithCIMObjectPath(const CIMObjectPath&
     FindUpdate(TextOf(path.getKey(INSTANCE_ID)), record);
 }
 
+// ODDITY AC-15: kept, and no operation applies it: what is given as an instance is refused unread.
 void ActiveUpdateProvider::getActiveUpdateWithCIMInstance(const CIMInstance& instance,
                                                           ActiveUpdate& record) const {
     FindUpdate(TextOf(instance.getProperty(INSTANCE_ID)), record);

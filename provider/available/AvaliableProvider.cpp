@@ -239,6 +239,7 @@ Array<AvaliableUpdate> AvaliableUpdateProvider::GetCachedList() {
     ListRefresh<AvaliableUpdate> refresh(gAvaliableList);
     List& records = refresh.Records();
     StringArray lines;
+    // ODDITY AV-20: the runner collects the tool's error output too, and each of its lines counts.
     const int code = Execute(COMMAND, lines);
     if (code != 0) {
         ThrowPatchKeeperError(code);
@@ -272,6 +273,7 @@ CIMInstance AvaliableUpdateProvider::GetInstance(int index, const StringArray* p
     }
     for (const String& property : *properties) {
         if (property == UPDATE_DESCRIPTION) {
+            // ODDITY AV-21: named twice, it is fetched and set twice.
             instance.setProperty(UPDATE_DESCRIPTION, CIMValue(DescriptionOf(record)));
         }
     }
@@ -430,6 +432,8 @@ CIMValue AvaliableUpdateProvider::InvokeOnUpdate(const CIMObjectPath& path,
     }
     if (methodName == "AddToSchedule") {
         RequireCount(in, 2, CIMException::INVALID_PARAMETER);
+        // ODDITY AV-23: each text carries the day and the time of day; the tool takes the one from
+        // the first and the other from the second.
         const String date = DateParameter(in, 0);
         const String time = DateParameter(in, 1);
         return CIMValue(update.Schedule(date, time));
@@ -441,6 +445,7 @@ CIMValue AvaliableUpdateProvider::invokeMethod(const ProviderEnvironmentIFCRef&,
                                                const CIMObjectPath& path, const String& methodName,
                                                const CIMParamValueArray& in,
                                                CIMParamValueArray& out) {
+    // ODDITY AV-22: compared with its case, although names of methods have none.
     if (methodName == "GetViaFtp") {
         RequireCount(in, 4, CIMException::INVALID_PARAMETER);
         return CIMValue(GetViaFtp(TextParameter(in, 0), TextParameter(in, 1), TextParameter(in, 2),

@@ -69,6 +69,7 @@ void LogInfo(const char* text) {
 }
 
 [[noreturn]] void ThrowExecutionFailed(const String& message) {
+    // ODDITY CM-12: the argument is the whole sentence, not the command line in it.
     ThrowCimFailed(locMsg("SWU_Error_ExecutionFailed", message.c_str(), message.c_str(), nullptr));
 }
 
@@ -254,6 +255,7 @@ void SpawnBackgroundThread(const String& command) {
     if (Execute("/qv/bin/patchkeeper --setinprogress") != 0) {
         const String message = String("Failed: ") + command;
         LogError(message);
+        // ODDITY CM-13: printed whatever the debug switch says, which the failure below is not.
         printf("%s\n", message.c_str());
         ThrowExecutionFailed(message);
     }

@@ -15,8 +15,8 @@
 
 #include <mutex>
 
-/// Guards the handles of all shared lists, and the selected update (gPatchName, gPatchVersion),
-/// which changes together with the list of its components. Held briefly.
+/// Guards the handles of all shared lists, the selected update (gPatchName, gPatchVersion), which
+/// changes together with the list of its components, and gEMCartridgeName. Held briefly.
 extern std::mutex gSharedListLock;
 
 /// The list as it is published now. Any thread may call.

@@ -41,18 +41,22 @@ const CIMName VERSION_STRING("VersionString");
 const CIMName SHORT_DESCRIPTION("ShortDescription");
 const CIMName INSTALL("Install");
 
-// What ListRefresh is to other lists. This list belongs to the update that was selected when the
-// refresh began: once another one is selected, it is not touched any more.
+// How often an update was selected. Guarded by gSharedListLock.
+unsigned long selections = 0;
+
+// What ListRefresh is to other lists. This list belongs to the selection that stood when the
+// refresh began: once an update is selected, also the same one again, it is not touched any more.
 class ComponentRefresh {
 public:
     ComponentRefresh() {
         const std::lock_guard<std::mutex> lock(gSharedListLock);
+        selection_ = selections;
         name_ = gPatchName;
         version_ = gPatchVersion;
     }
     ~ComponentRefresh() {
         const std::lock_guard<std::mutex> lock(gSharedListLock);
-        if (gPatchName == name_ && gPatchVersion == version_) {
+        if (selections == selection_) {
             gComponentList.swap(records_);
         }
     }
@@ -63,6 +67,8 @@ public:
         if (name_.empty() || version_.empty()) {
             ThrowCimFailed("Missing Name and/or Version");
         }
+        // ODDITY CO-9: name and version stand unquoted for the shell, and so do the names of the
+        // chosen components when the update is applied.
         return COMMAND + name_ + " " + version_;
     }
     // A copy stays the caller's own.
@@ -70,6 +76,7 @@ public:
     void Append(const Component& record) { records_.push_back(record); }
 
 private:
+    unsigned long selection_ = 0;
     String name_;
     String version_;
     Array<Component> records_;
@@ -109,6 +116,7 @@ bool InstallIn(const CIMInstance& instance) {
 
 void SelectComponentsOf(const String& name, const String& version) {
     const std::lock_guard<std::mutex> lock(gSharedListLock);
+    ++selections;
     gComponentList = Array<Component>();
     gPatchName = name;
     gPatchVersion = version;
@@ -193,6 +201,7 @@ CIMInstance ComponentProvider::getInstance(const ProviderEnvironmentIFCRef&, con
                                            const CIMObjectPath& instanceName, ELocalOnlyFlag,
                                            EIncludeQualifiersFlag, EIncludeClassOriginFlag,
                                            const StringArray*, const CIMClass&) {
+    // ODDITY CO-8: answers from the last enumeration and never lists anew.
     const List list = ListSnapshot(gComponentList);
     return GetInstance(GetIndexFromObjectPath(instanceName, list), list);
 }

@@ -95,8 +95,8 @@ private:
     using List = OpenWBEM::Array<Component>;
 
     /// Runs the tool for the selected update, publishes its records as gComponentList and returns
-    /// them. When another update is selected meanwhile they are only returned: the list belongs to
-    /// that one. Throws CIM_ERR_FAILED.
+    /// them. When an update is selected meanwhile, also the same one again, they are only returned:
+    /// the list belongs to that selection. Throws CIM_ERR_FAILED.
     List UpdateList();
 
     OpenWBEM::CIMInstance GetInstance(int index, const List& list) const;

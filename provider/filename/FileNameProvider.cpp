@@ -74,6 +74,7 @@ void FileNameProvider::getFileNameWithCIMObjectPath(const CIMObjectPath& path,
     }
 }
 
+// ODDITY FN-9: kept, and no operation applies it: what is given as an instance is refused unread.
 void FileNameProvider::getFileNameWithCIMInstance(const CIMInstance& instance,
                                                   FileNameRecord& record) const {
     try {

@@ -94,7 +94,8 @@ CIMPropertyArray CartridgeKeys(const InventoryObject& record) {
     return CIMPropertyArray(1, CIMProperty(VERSION, CIMValue(record.Version)));
 }
 
-// Version is no key by qualifier; the key list alone gives clients a path to return to.
+// ODDITY IN-7: Version is no key by qualifier; the key list alone gives clients a path to return
+// to.
 CIMInstance CartridgeInstance(const InventoryObject& record) {
     CIMInstance instance(CARTRIDGE_CLASS);
     instance.setProperty(VERSION, CIMValue(record.Version));
@@ -233,5 +234,6 @@ void InventoryProvider::modifyInstance(const ProviderEnvironmentIFCRef&, const S
 CIMValue InventoryProvider::invokeMethod(const ProviderEnvironmentIFCRef&, const String&,
                                          const CIMObjectPath&, const String&,
                                          const CIMParamValueArray&, CIMParamValueArray&) {
+    // ODDITY IN-8: methods are not supported, rather than not found.
     OW_THROWCIM(CIMException::NOT_SUPPORTED);
 }

@@ -136,6 +136,7 @@ void ScheduledUpdateProvider::getScheduledUpdateWithCIMObjectPath(const CIMObjec
     FindUpdate(TextOf(path.getKey(INSTANCE_ID)), record);
 }
 
+// ODDITY SC-15: kept, and no operation applies it: what is given as an instance is refused unread.
 void ScheduledUpdateProvider::getScheduledUpdateWithCIMInstance(const CIMInstance& instance,
                                                                 ScheduledUpdate& record) const {
     FindUpdate(TextOf(instance.getProperty(INSTANCE_ID)), record);

@@ -16,14 +16,6 @@ const std::string ASKS_COMPONENTS = "/qv/bin/patchkeeper --hascomponents N V";
 const std::string SCHEDULES = "/qv/bin/patchkeeper --sched N V \"Fri Jan  2 03:04:05 2026\" "
                               "\"Tue Feb  3 04:05:06 2026\" 2>&1";
 
-const std::string N =
-    "ZNX_AvailableSoftwareUpdate { InstanceID = string \"0\"; Name = string \"N\"; "
-    "ShortDescription = string \"Desc\"; VersionString = string \"V\"; Size = string \"12\"; "
-    "RebootRequired = boolean true; Status = uint8 1; }";
-const std::string M =
-    "ZNX_AvailableSoftwareUpdate { InstanceID = string \"1\"; Name = string \"M\"; "
-    "ShortDescription = string \"More\"; VersionString = string \"2.0\"; Size = string \"7\"; "
-    "RebootRequired = boolean false; Status = uint8 3; }";
 const std::string PLACEHOLDER =
     "ZNX_AvailableSoftwareUpdate { InstanceID = string \"1\"; Name = string \"Dummy\"; "
     "ShortDescription = string \"\"; VersionString = string \"\"; Size = string \"\"; "
@@ -40,21 +32,19 @@ const std::string M_DESCRIBED =
     "UpdateDescription = string \"The long\ntext.\n\"; }";
 
 std::string MissingField(const std::string& field) {
-    return Fails(1, "Failed to parse " + field +
-                        " field from /qv/bin/patchkeeper --cache \n#SWU_Error_ParsingFailed," +
-                        field + ",/qv/bin/patchkeeper --cache #");
+    return LacksField(field, "/qv/bin/patchkeeper --cache ");
 }
 
 Rows Enumerations() {
     const Names described = Names({"UpdateDescription"});
     return {
-        {Enumerate(UPDATE), "two updates", {}, {LISTS}, N + "\n" + M},
+        {Enumerate(UPDATE), "two updates", {}, {LISTS}, UPDATE_N + "\n" + UPDATE_M},
         {Enumerate(UPDATE), "there are none", {Plays("--cache", ToolAnswer())}, {LISTS}, ""},
         {Enumerate(UPDATE, Names({"Name"})),
          "a property list without the description",
          {},
          {LISTS},
-         N + "\n" + M},
+         UPDATE_N + "\n" + UPDATE_M},
         {Enumerate(UPDATE, described),
          "the description is named",
          {},
@@ -84,7 +74,8 @@ Rows Enumerations() {
          "there is no tool",
          {ToolIsGone()},
          {},
-         Fails(1, "SWU_Patchkeeper_Unknown")},
+         Fails(1, "SWU_Patchkeeper_Unknown"),
+         Missed("/qv/bin/patchkeeper --cache ")},
         {Enumerate(UPDATE),
          "a line lacks its last field",
          {Prints("--cache", "N\tV\tDesc\t12\treboot\n")},
@@ -116,35 +107,40 @@ Rows Enumerations() {
 }
 
 Rows Gets() {
-    const Call list = Enumerate(UPDATE);
+    const Call list = UpdatesListed();
     const Names described = Names({"UpdateDescription"});
     const std::string describes = "/qv/bin/patchkeeper -l N-V 2>&1";
-    return {
+    Rows rows = {
         {Get(Update("1")), "before any enumeration", {}, {}, PLACEHOLDER},
         {Get(Update("0")), "before any enumeration", {}, {}, Fails(6)},
-        {Get(Update("0")), "after an enumeration", {list}, {}, N},
-        {Get(Update("1")), "after an enumeration of the names", {EnumerateNames(UPDATE)}, {}, M},
+        {Get(Update("0")), "after an enumeration", {list}, {}, UPDATE_N},
+        {Get(Update("1")),
+         "after an enumeration of the names",
+         {Gives(EnumerateNames(UPDATE), PATHS_OF_UPDATES)},
+         {},
+         UPDATE_M},
         {Get(Update("0")),
          "the tool knows others since",
          {list, Prints("--cache", "X\tY\tOther\t1\tno\tInvalid\n")},
          {},
-         N},
+         UPDATE_N},
         {Get(Update("0")),
          "after an enumeration that failed",
-         {list, Ends("--cache", 33), list},
+         {list, Ends("--cache", 33), UpdatesListed(ToolFails(33))},
          {},
          Fails(6)},
         {Get(Update("0")),
          "after an enumeration that failed at its second line",
-         {Prints("--cache", "N\tV\tDesc\t12\treboot\tApplied\nM\n"), list},
+         {Prints("--cache", "N\tV\tDesc\t12\treboot\tApplied\nM\n"),
+          UpdatesListed(MissingField("Version"))},
          {},
-         N},
+         UPDATE_N},
         {Get(Update("0"), described), "the description is named", {list}, {describes}, N_DESCRIBED},
         {Get(Update("0"), Names({"updatedescription", "Name"})),
          "the description is named in another case",
          {list},
          {},
-         N},
+         UPDATE_N},
         {Get(Update("0"), described),
          "the description fails with 5",
          {list, Ends("-l", 5)},
@@ -154,11 +150,12 @@ Rows Gets() {
          "there is no tool",
          {list, ToolIsGone()},
          {},
-         Fails(1, "SWU_Patchkeeper_Unknown")},
+         Fails(1, "SWU_Patchkeeper_Unknown"),
+         Missed("/qv/bin/patchkeeper -l N-V", 1)},
         {Get(Update("2")), "no such position", {list}, {}, Fails(6)},
         {Get(Update("")), "an empty key", {list}, {}, Fails(6)},
         {Get(Update("00")), "the position written otherwise", {list}, {}, Fails(6)},
-        {Get(Path(UPDATE, "InstanceID", Number(0))), "a number as key", {list}, {}, N},
+        {Get(Path(UPDATE, "InstanceID", Number(0))), "a number as key", {list}, {}, UPDATE_N},
         {Get(Path(UPDATE, "InstanceID", Null())), "a null key", {list}, {}, Fails(4)},
         {Get(ClassPath(UPDATE)), "no key", {list}, {}, Fails(4)},
         {Get(Path(UPDATE, "Name", "N")), "another key", {list}, {}, Fails(4)},
@@ -166,12 +163,19 @@ Rows Gets() {
         {Modify(UPDATE, {{"InstanceID", Text("0")}}), "always refused", {list}, {}, Fails(7)},
         {Delete(Update("0")), "always refused", {list}, {}, Fails(7)},
     };
+    for (const Hostile& hostile : HostileTexts()) {
+        const OpenWBEM::CIMObjectPath path = Path(UPDATE, "InstanceID", Text(hostile.text));
+        const std::string what = std::string("the key is ") + hostile.what;
+        rows.push_back({Get(path, described), what, {list}, {}, Fails(6)});
+        rows.push_back({Delete(path), what, {list}, {}, Fails(7)});
+    }
+    return rows;
 }
 
 // What holds for each method of an update: its path, and that it takes no parameter.
 Rows PathsOf(const char* method, const Values& in) {
-    const Call list = Enumerate(UPDATE);
-    return {
+    const Call list = UpdatesListed();
+    Rows rows = {
         {Invoke(Update("0"), method, in), "before any enumeration", {}, {}, Fails(6)},
         {Invoke(Update("2"), method, in), "no such position", {list}, {}, Fails(6)},
         {Invoke(ClassPath(UPDATE), method, in), "no key", {list}, {}, Fails(4)},
@@ -182,18 +186,27 @@ Rows PathsOf(const char* method, const Values& in) {
          Fails(4)},
         {Invoke(Update("0"), method, in),
          "after an enumeration that failed",
-         {list, Ends("--cache", 33), list},
+         {list, Ends("--cache", 33), UpdatesListed(ToolFails(33))},
          {},
          Fails(6)},
     };
+    for (const Hostile& hostile : HostileTexts()) {
+        rows.push_back({Invoke(Path(UPDATE, "InstanceID", Text(hostile.text)), method, in),
+                        std::string("the key is ") + hostile.what,
+                        {list},
+                        {},
+                        Fails(6)});
+    }
+    return rows;
 }
 
 Rows Applies() {
-    const Call list = Enumerate(UPDATE);
+    const Call list = UpdatesListed();
     const Call apply = Invoke(Update("0"), "Apply");
-    const Call asks = Invoke(Update("0"), "HasOptionalComponents");
-    const Call asksOther = Invoke(Update("1"), "HasOptionalComponents");
-    const Call components = Enumerate(COMPONENT);
+    const Call asks = Gives(Invoke(Update("0"), "HasOptionalComponents"), "boolean true");
+    const Call asksOther = Gives(Invoke(Update("1"), "HasOptionalComponents"), "boolean true");
+    const Call components =
+        Gives(Enumerate(COMPONENT), COMPONENT_A + "\n" + COMPONENT_B + "\n" + COMPONENT_C);
     const auto choose = [](const char* id) {
         return Modify(COMPONENT, {{"InstanceID", Text(id)}, {"Install", Flag(true)}});
     };
@@ -238,7 +251,7 @@ Rows Applies() {
          {MARKS, bare},
          STARTED},
         {apply, "the mark fails", {list, Ends("--setinprogress", 1)}, {MARKS}, Unmarked(bare)},
-        {apply, "there is no tool", {list, ToolIsGone()}, {}, Unmarked(bare)},
+        {apply, "there is no tool", {list, ToolIsGone()}, {}, Unmarked(bare), {MARKS}},
         {Invoke(Update("0"), "Apply", one), "one parameter too many", {list}, {}, Fails(4)},
         {Invoke(Update("2"), "Apply", one),
          "one parameter too many on an unknown update",
@@ -249,9 +262,13 @@ Rows Applies() {
 }
 
 Rows Warnings() {
-    const Call list = Enumerate(UPDATE);
+    const Call list = UpdatesListed();
     const Call call = Invoke(Update("0"), "Warnings");
     const ToolAnswer beware = ToolAnswer().Output("Beware.\n");
+    std::string lines;
+    while (lines.size() < 2 * 70'000) {
+        lines += "x\n";
+    }
     const auto row = [&](const char* situation, const ToolAnswer& answer,
                          const std::string& result) {
         return Row{call, situation, {list, Plays("--warnings", answer)}, {ASKS_WARNINGS}, result};
@@ -261,6 +278,12 @@ Rows Warnings() {
         row("there are none", ToolAnswer(), "string \"\""),
         row("exit code 1", ToolAnswer(beware).ExitCode(1), "string \"Beware.\n\""),
         row("error output", ToolAnswer().ErrorText("Hm.\n"), "string \"Hm.\n\""),
+        row("no final newline", ToolAnswer().Output("a\nb"), "string \"a\nb\""),
+        row("carriage returns", ToolAnswer().Output("a\r\nb\r\n"), "string \"a\r\nb\r\n\""),
+        row("bytes that are no UTF-8", ToolAnswer().Output("\xff\xc3\n"), "string \"\xff\xc3\n\""),
+        row("a zero byte, which ends its line", ToolAnswer().Output(std::string("a\0b\nc\n", 6)),
+            "string \"ac\n\""),
+        row("70,000 lines", ToolAnswer().Output(lines), "string \"" + lines + "\""),
         {call,
          "exit code 2",
          {list, Plays("--warnings", ToolAnswer(beware).ExitCode(2))},
@@ -271,7 +294,12 @@ Rows Warnings() {
          {list, Plays("--warnings", ToolAnswer(beware).DiesBySignal(SIGKILL))},
          {ASKS_WARNINGS, Asks(137)},
          ToolFails(137)},
-        {call, "there is no tool", {list, ToolIsGone()}, {}, Fails(1, "SWU_Patchkeeper_Unknown")},
+        {call,
+         "there is no tool",
+         {list, ToolIsGone()},
+         {},
+         Fails(1, "SWU_Patchkeeper_Unknown"),
+         Missed("/qv/bin/patchkeeper --warnings N V")},
         {Invoke(Update("1"), "Warnings"),
          "the placeholder",
          {},
@@ -282,7 +310,7 @@ Rows Warnings() {
 }
 
 Rows OptionalComponents() {
-    const Call list = Enumerate(UPDATE);
+    const Call list = UpdatesListed();
     const Call call = Invoke(Update("0"), "HasOptionalComponents");
     const char* const option = "--hascomponents";
     return {
@@ -299,7 +327,12 @@ Rows OptionalComponents() {
          {list, Plays(option, ToolAnswer().DiesBySignal(SIGKILL))},
          {ASKS_COMPONENTS, Asks(137)},
          ToolFails(137)},
-        {call, "there is no tool", {list, ToolIsGone()}, {}, Fails(1, "SWU_Patchkeeper_Unknown")},
+        {call,
+         "there is no tool",
+         {list, ToolIsGone()},
+         {},
+         Fails(1, "SWU_Patchkeeper_Unknown"),
+         Missed("/qv/bin/patchkeeper --hascomponents N V")},
         {Invoke(Update("0"), "HasOptionalComponents", {Flag(true)}),
          "one parameter too many",
          {list},
@@ -309,7 +342,7 @@ Rows OptionalComponents() {
 }
 
 Rows Schedules() {
-    const Call list = Enumerate(UPDATE);
+    const Call list = UpdatesListed();
     const Call says = Prints("--sched", "Scheduled.\n");
     const OpenWBEM::CIMValue date = When("20260102030405.000000+000");
     const OpenWBEM::CIMValue time = When("20260203040506.000000+000");
@@ -342,7 +375,8 @@ Rows Schedules() {
          "there is no tool",
          {list, ToolIsGone()},
          {},
-         Fails(1, "SWU_Patchkeeper_Unknown")},
+         Fails(1, "SWU_Patchkeeper_Unknown"),
+         Missed(SCHEDULES)},
         {Invoke(Update("0"), "AddToSchedule"), "no parameter", {list}, {}, Fails(4)},
         {Invoke(Update("0"), "AddToSchedule", {date}),
          "one parameter too few",
@@ -358,8 +392,6 @@ Rows Schedules() {
     const std::vector<std::pair<const char*, OpenWBEM::CIMValue>> wrong = {
         {"null", Null()},
         {"a text", Text("20260102030405.000000+000")},
-        {"an empty text", Text("")},
-        {"100,000 characters", Text(std::string(100'000, '1'))},
         {"a number", Number(1)},
         {"a boolean", Flag(true)},
         {"an interval", When("00000001000000.000000:000")},
@@ -373,11 +405,18 @@ Rows Schedules() {
         rows.push_back({at(value, time), std::string(what) + " as date", {list}, {}, Fails(4)});
         rows.push_back({at(date, value), std::string(what) + " as time", {list}, {}, Fails(4)});
     }
+    for (const Hostile& hostile : HostileTexts()) {
+        const OpenWBEM::CIMValue text = Text(hostile.text);
+        rows.push_back(
+            {at(text, time), std::string("the date is ") + hostile.what, {list}, {}, Fails(4)});
+        rows.push_back(
+            {at(date, text), std::string("the time is ") + hostile.what, {list}, {}, Fails(4)});
+    }
     return rows;
 }
 
 Rows OtherMethods() {
-    const Call list = Enumerate(UPDATE);
+    const Call list = UpdatesListed();
     return {
         {Invoke(Update("0"), "Remove"), "an unknown method", {list}, {}, Fails(17)},
         {Invoke(Update("0"), "apply"), "a method in another case", {list}, {}, Fails(17)},

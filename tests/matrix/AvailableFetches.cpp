@@ -71,7 +71,12 @@ Rows FetchesThatStart(const Fetch& fetch) {
          {Ends("--setinprogress", 1)},
          {MARKS},
          Unmarked(command)},
-        {OfClass(fetch.method, in), "there is no tool", {ToolIsGone()}, {}, Unmarked(command)},
+        {OfClass(fetch.method, in),
+         "there is no tool",
+         {ToolIsGone()},
+         {},
+         Unmarked(command),
+         {MARKS}},
         {from("10.1"),
          "a short address",
          {},
@@ -213,9 +218,9 @@ Rows HostilePaths(const char* method, const std::string& command) {
         {call("a\nb\tc"), "a newline and a tab", {}, {MARKS, command + "a\nb\tc"}, STARTED},
         {call("a>&2"), "an ampersand and an angle bracket", {}, {MARKS, command + "a>&2"}, STARTED},
         {call("a`true`"), "back-quotes", {}, {MARKS, command + "a`true`"}, STARTED},
-        {call("a'b"), "a single apostrophe", {}, only, STARTED},
-        {call("a\"b"), "a single double quote", {}, only, STARTED},
-        {call("a`b"), "a single back-quote", {}, only, STARTED},
+        {call("a'b"), "a single apostrophe", {}, only, STARTED, {command + "a'b"}},
+        {call("a\"b"), "a single double quote", {}, only, STARTED, {command + "a\"b"}},
+        {call("a`b"), "a single back-quote", {}, only, STARTED, {command + "a`b"}},
         {call("a;b"), "a semicolon", {}, {}, INVALID_PARAMETERS},
         {call("a(b"), "an opening parenthesis", {}, {}, INVALID_PARAMETERS},
         {call("a)b"), "a closing parenthesis", {}, {}, INVALID_PARAMETERS},
@@ -243,7 +248,7 @@ Rows LocalFetches(const char* method, const char* option, int wrongCount) {
          {Ends("--setinprogress", 7)},
          {MARKS},
          Unmarked(command + "/media/x")},
-        {good, "there is no tool", {ToolIsGone()}, {}, Unmarked(command + "/media/x")},
+        {good, "there is no tool", {ToolIsGone()}, {}, Unmarked(command + "/media/x"), {MARKS}},
         {OfClass(method), "no parameter", {}, {}, Fails(wrongCount)},
         {OfClass(method, {Text("a"), Text("b")}),
          "one parameter too many",
@@ -270,7 +275,7 @@ Rows ElementManager() {
         {call, "nothing special", {}, {MARKS, command}, STARTED},
         {call, "the tool fails in the background", {Ends("--em", 14)}, {MARKS, command}, STARTED},
         {call, "the mark fails", {Ends("--setinprogress", 1)}, {MARKS}, Unmarked(command)},
-        {call, "there is no tool", {ToolIsGone()}, {}, Unmarked(command)},
+        {call, "there is no tool", {ToolIsGone()}, {}, Unmarked(command), {MARKS}},
         {OfClass("GetViaElementManager", {Text("x")}), "one parameter too many", {}, {}, Fails(1)},
         {OfClass("GetViaElementManager", {Null()}), "a null parameter too many", {}, {}, Fails(1)},
     };
@@ -281,7 +286,13 @@ Rows Progress() {
     const std::string noStatus =
         "sint8 -1, Status = string \"Failed to parse Progress status string\"";
     const std::string noCode = "sint8 -1, Status = string \"Invalid GetProgress Return Code\"";
-    const auto row = [&](const char* output, const char* situation, const std::string& answer) {
+    const std::string longText(3000, 'x');
+    std::string lines = "1\tFirst\n";
+    while (lines.size() < 2 * 70'000) {
+        lines += "x\n";
+    }
+    const auto row = [&](const std::string& output, const char* situation,
+                         const std::string& answer) {
         return Row{call, situation, {Prints("--status", output)}, {ASKS_PROGRESS}, answer};
     };
     return {
@@ -302,13 +313,24 @@ Rows Progress() {
             "sint8 1, Status = string \"Text\""),
         row("1\tText\r\n", "a carriage return", "sint8 1, Status = string \"Text\r\""),
         row("1\t\xff\xc3\n", "bytes that are no UTF-8", "sint8 1, Status = string \"\xff\xc3\""),
+        row("1\tText", "no final newline", "sint8 1, Status = string \"Text\""),
+        row(std::string("1\tTe\0xt\n", 8), "a zero byte, which ends its line",
+            "sint8 1, Status = string \"Te\""),
+        row("1\t" + longText + "\n", "a line beyond the runner's buffer",
+            "sint8 1, Status = string \"" + longText + "\""),
+        row(lines, "70,000 lines", "sint8 1, Status = string \"First\""),
         {call, "the tool fails", {Ends("--status", 11)}, {ASKS_PROGRESS, Asks(11)}, ToolFails(11)},
         {call,
          "the tool is killed",
          {Plays("--status", ToolAnswer().DiesBySignal(SIGTERM))},
          {ASKS_PROGRESS, Asks(143)},
          ToolFails(143)},
-        {call, "there is no tool", {ToolIsGone()}, {}, Fails(1, "SWU_Patchkeeper_Unknown")},
+        {call,
+         "there is no tool",
+         {ToolIsGone()},
+         {},
+         Fails(1, "SWU_Patchkeeper_Unknown"),
+         Missed("/qv/bin/patchkeeper --status ")},
         {Invoke(ClassPath(UPDATE), "GetProgress"),
          "the server has no out-parameter",
          {},

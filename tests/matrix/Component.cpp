@@ -1,4 +1,4 @@
-#include "matrix/Matrix.hpp"
+#include "matrix/Available.hpp"
 
 #include <csignal>
 
@@ -8,32 +8,20 @@ using test_support::ToolAnswer;
 
 namespace {
 
-const char* const UPDATE = "ZNX_AvailableSoftwareUpdate";
 const char* const COMPONENT = "ZNX_SoftwareUpdateComponent";
 
 const std::string LISTS = "/qv/bin/patchkeeper --components  N V 2>&1";
 
-const std::string A = "ZNX_SoftwareUpdateComponent { InstanceID = string \"0\"; "
-                      "Name = string \"a\"; VersionString = string \"\"; "
-                      "ShortDescription = string \"\"; Install = boolean false; }";
-const std::string B = "ZNX_SoftwareUpdateComponent { InstanceID = string \"1\"; "
-                      "Name = string \"b\"; VersionString = string \"\"; "
-                      "ShortDescription = string \"\"; Install = boolean false; }";
-const std::string C = "ZNX_SoftwareUpdateComponent { InstanceID = string \"2\"; "
-                      "Name = string \"c\"; VersionString = string \"\"; "
-                      "ShortDescription = string \"\"; Install = boolean false; }";
+const std::string ALL = COMPONENT_A + "\n" + COMPONENT_B + "\n" + COMPONENT_C;
 const std::string B_CHOSEN = "ZNX_SoftwareUpdateComponent { InstanceID = string \"1\"; "
                              "Name = string \"b\"; VersionString = string \"\"; "
                              "ShortDescription = string \"\"; Install = boolean true; }";
 
-const std::string NO_NAME = Fails(1, "Failed to parse Name field from /qv/bin/patchkeeper --hist\n"
-                                     "#SWU_Error_ParsingFailed,Name,/qv/bin/patchkeeper --hist#");
+const std::string PATHS = "/root/cimv2:ZNX_SoftwareUpdateComponent.InstanceID=\"0\"\n"
+                          "/root/cimv2:ZNX_SoftwareUpdateComponent.InstanceID=\"1\"\n"
+                          "/root/cimv2:ZNX_SoftwareUpdateComponent.InstanceID=\"2\"";
 
-using Rows = std::vector<Row>;
-
-std::string Asks(int exitCode) {
-    return "/qv/bin/patchkeeper --errors " + std::to_string(exitCode) + " 2>&1";
-}
+const std::string NO_NAME = LacksField("Name", "/qv/bin/patchkeeper --hist");
 
 OpenWBEM::CIMObjectPath Component(const char* id) {
     return Path(COMPONENT, "InstanceID", id);
@@ -43,24 +31,24 @@ Call Prints(const char* output) {
     return Plays("--components", ToolAnswer().Output(output));
 }
 
-Call Ends(const char* option, int exitCode) {
-    return Plays(option, ToolAnswer().ExitCode(exitCode));
-}
-
 Call Choose(const char* id, bool install = true) {
     return Modify(COMPONENT, {{"InstanceID", Text(id)}, {"Install", Flag(install)}});
 }
 
+// An update is asked whether it has components, and this is the answer.
+Call Asked(const char* id, const std::string& answer) {
+    return Gives(Invoke(Update(id), "HasOptionalComponents"), answer);
+}
+
 // What makes an update the one whose components are listed.
 std::vector<Call> Selected(const std::vector<Call>& more = {}) {
-    std::vector<Call> calls = {Enumerate(UPDATE),
-                               Invoke(Path(UPDATE, "InstanceID", "0"), "HasOptionalComponents")};
+    std::vector<Call> calls = {UpdatesListed(), Asked("0", "boolean true")};
     calls.insert(calls.end(), more.begin(), more.end());
     return calls;
 }
 
 std::vector<Call> Listed(const std::vector<Call>& more = {}) {
-    std::vector<Call> calls = Selected({Enumerate(COMPONENT)});
+    std::vector<Call> calls = Selected({Gives(Enumerate(COMPONENT), ALL)});
     calls.insert(calls.end(), more.begin(), more.end());
     return calls;
 }
@@ -68,40 +56,34 @@ std::vector<Call> Listed(const std::vector<Call>& more = {}) {
 Rows Enumerations() {
     const Call all = Enumerate(COMPONENT);
     const Call names = EnumerateNames(COMPONENT);
-    const Call asksOther = Invoke(Path(UPDATE, "InstanceID", "1"), "HasOptionalComponents");
+    const Call asksOther = Asked("1", "boolean true");
     const std::string unselected = Fails(1, "Missing Name and/or Version");
     return {
         {all, "no update was asked for its components", {}, {}, unselected},
-        {all, "an update was enumerated but not asked", {Enumerate(UPDATE)}, {}, unselected},
+        {all, "an update was enumerated but not asked", {UpdatesListed()}, {}, unselected},
         {all,
          "an update without a version was asked",
-         {Invoke(Path(UPDATE, "InstanceID", "1"), "HasOptionalComponents")},
+         {Asked("1", "boolean true")},
          {},
          unselected},
-        {all, "three components", Selected(), {LISTS}, A + "\n" + B + "\n" + C},
+        {all, "three components", Selected(), {LISTS}, ALL},
         {all,
          "the update has none",
-         {Enumerate(UPDATE), Ends("--hascomponents", 1),
-          Invoke(Path(UPDATE, "InstanceID", "0"), "HasOptionalComponents"), Prints("")},
+         {UpdatesListed(), Ends("--hascomponents", 1), Asked("0", "boolean false"), Prints("")},
          {LISTS},
          ""},
         {all,
          "the question whether there are any failed",
-         {Enumerate(UPDATE), Ends("--hascomponents", 15),
-          Invoke(Path(UPDATE, "InstanceID", "0"), "HasOptionalComponents")},
+         {UpdatesListed(), Ends("--hascomponents", 15), Asked("0", ToolFails(15))},
          {LISTS},
-         A + "\n" + B + "\n" + C},
+         ALL},
         {all,
          "another update was asked since",
          Selected({asksOther}),
          {"/qv/bin/patchkeeper --components  M 2.0 2>&1"},
-         A + "\n" + B + "\n" + C},
-        {all, "one was chosen before", Listed({Choose("1")}), {LISTS}, A + "\n" + B + "\n" + C},
-        {Enumerate(COMPONENT, Names({"Name"})),
-         "a property list",
-         Selected(),
-         {LISTS},
-         A + "\n" + B + "\n" + C},
+         ALL},
+        {all, "one was chosen before", Listed({Choose("1")}), {LISTS}, ALL},
+        {Enumerate(COMPONENT, Names({"Name"})), "a property list", Selected(), {LISTS}, ALL},
         {all,
          "the tool fails",
          Selected({Ends("--components", 12)}),
@@ -121,16 +103,11 @@ Rows Enumerations() {
          "there is no tool",
          Selected({ToolIsGone()}),
          {},
-         Fails(1, "SWU_Patchkeeper_Unknown")},
+         Fails(1, "SWU_Patchkeeper_Unknown"),
+         Missed("/qv/bin/patchkeeper --components  N V")},
         {all, "an empty line", Selected({Prints("a\n\nb\n")}), {LISTS}, NO_NAME},
-        {all, "further fields", Selected({Prints("a\t1.0\tText\n")}), {LISTS}, A},
-        {names,
-         "three components",
-         Selected(),
-         {LISTS},
-         "/root/cimv2:ZNX_SoftwareUpdateComponent.InstanceID=\"0\"\n"
-         "/root/cimv2:ZNX_SoftwareUpdateComponent.InstanceID=\"1\"\n"
-         "/root/cimv2:ZNX_SoftwareUpdateComponent.InstanceID=\"2\""},
+        {all, "further fields", Selected({Prints("a\t1.0\tText\n")}), {LISTS}, COMPONENT_A},
+        {names, "three components", Selected(), {LISTS}, PATHS},
         {names, "no update was asked for its components", {}, {}, unselected},
         {names,
          "the tool fails",
@@ -142,45 +119,61 @@ Rows Enumerations() {
 }
 
 Rows Gets() {
-    return {
+    Rows rows = {
         {Get(Component("0")), "before any enumeration", {}, {}, Fails(6)},
         {Get(Component("0")), "the update is selected only", Selected(), {}, Fails(6)},
-        {Get(Component("1")), "after an enumeration", Listed(), {}, B},
+        {Get(Component("1")), "after an enumeration", Listed(), {}, COMPONENT_B},
         {Get(Component("1")), "it was chosen", Listed({Choose("1")}), {}, B_CHOSEN},
         {Get(Component("1")),
          "it was chosen and dropped",
          Listed({Choose("1"), Choose("1", false)}),
          {},
-         B},
-        {Get(Component("1")), "another was chosen", Listed({Choose("0")}), {}, B},
+         COMPONENT_B},
+        {Get(Component("1")), "another was chosen", Listed({Choose("0")}), {}, COMPONENT_B},
         {Get(Component("1")),
          "it was chosen before the last enumeration",
-         Listed({Choose("1"), EnumerateNames(COMPONENT)}),
+         Listed({Choose("1"), Gives(EnumerateNames(COMPONENT), PATHS)}),
          {},
-         B},
-        {Get(Component("1"), Names({"Name"})), "a property list", Listed(), {}, B},
-        {Get(Component("0")), "the tool knows others since", Listed({Prints("x\n")}), {}, A},
+         COMPONENT_B},
+        {Get(Component("1"), Names({"Name"})), "a property list", Listed(), {}, COMPONENT_B},
+        {Get(Component("0")),
+         "the tool knows others since",
+         Listed({Prints("x\n")}),
+         {},
+         COMPONENT_A},
         {Get(Component("0")),
          "the update was asked again since",
-         Listed({Invoke(Path(UPDATE, "InstanceID", "0"), "HasOptionalComponents")}),
+         Listed({Asked("0", "boolean true")}),
          {},
          Fails(6)},
         {Get(Component("0")),
          "after an enumeration that failed",
-         Listed({Ends("--components", 12), Enumerate(COMPONENT)}),
+         Listed({Ends("--components", 12), Gives(Enumerate(COMPONENT), ToolFails(12))}),
          {},
          Fails(6)},
         {Get(Component("0")),
          "after an enumeration that failed at its second line",
-         Selected({Prints("a\n\n"), Enumerate(COMPONENT)}),
+         Selected({Prints("a\n\n"), Gives(Enumerate(COMPONENT), NO_NAME)}),
          {},
-         A},
+         COMPONENT_A},
         {Get(Component("3")), "no such position", Listed(), {}, Fails(6)},
         {Get(Component("")), "an empty key", Listed(), {}, Fails(6)},
-        {Get(Path(COMPONENT, "InstanceID", Number(0))), "a number as key", Listed(), {}, A},
+        {Get(Path(COMPONENT, "InstanceID", Number(0))),
+         "a number as key",
+         Listed(),
+         {},
+         COMPONENT_A},
         {Get(Path(COMPONENT, "InstanceID", Null())), "a null key", Listed(), {}, Fails(4)},
         {Get(ClassPath(COMPONENT)), "no key", Listed(), {}, Fails(4)},
     };
+    for (const Hostile& hostile : HostileTexts()) {
+        rows.push_back({Get(Path(COMPONENT, "InstanceID", Text(hostile.text))),
+                        std::string("the key is ") + hostile.what,
+                        Listed(),
+                        {},
+                        Fails(6)});
+    }
+    return rows;
 }
 
 Rows Modifications() {

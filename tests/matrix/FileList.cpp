@@ -1,4 +1,4 @@
-#include "matrix/Matrix.hpp"
+#include "matrix/Available.hpp"
 
 #include <csignal>
 
@@ -9,7 +9,6 @@ using test_support::ToolAnswer;
 namespace {
 
 const char* const FILE_LIST = "ZNX_AvailableSoftwareFileList";
-const char* const UPDATES = "ZNX_AvailableSoftwareUpdate";
 const char* const FILE_NAMES = "ZNX_AvailableSoftwareFileName";
 
 const std::string FILES_OF_N = "/qv/bin/patchkeeper --files N-V 2>&1";
@@ -17,10 +16,6 @@ const std::string FILES_OF_M = "/qv/bin/patchkeeper --files M-2.0 2>&1";
 const std::string FILES_OF_THE_PLACEHOLDER = "/qv/bin/patchkeeper --files Dummy- 2>&1";
 const std::string ASKS_WHY = "/qv/bin/patchkeeper --errors 23 2>&1";
 
-const std::string N =
-    "ZNX_AvailableSoftwareUpdate { InstanceID = string \"0\"; Name = string \"N\"; "
-    "ShortDescription = string \"Desc\"; VersionString = string \"V\"; Size = string \"12\"; "
-    "RebootRequired = boolean true; Status = uint8 1; }";
 const std::string PLACEHOLDER =
     "ZNX_AvailableSoftwareUpdate { InstanceID = string \"1\"; Name = string \"Dummy\"; "
     "ShortDescription = string \"\"; VersionString = string \"\"; Size = string \"\"; "
@@ -32,10 +27,6 @@ const std::string PATHS_OF_BOTH_FILES =
     "/root/cimv2:ZNX_AvailableSoftwareFileName.FileName=\"one\"\n"
     "/root/cimv2:ZNX_AvailableSoftwareFileName.FileName=\"two\"";
 const std::string NOTHING = " { }";
-
-OpenWBEM::CIMObjectPath Update(const char* id) {
-    return Path(UPDATES, "InstanceID", id);
-}
 
 OpenWBEM::CIMObjectPath File(const char* name) {
     return Path(FILE_NAMES, "FileName", name);
@@ -69,7 +60,7 @@ Association ResultRole(const char* role) {
 }
 
 void AddEnumerations(std::vector<Row>& rows) {
-    const Call listed = EnumerateNames(UPDATES);
+    const Call listed = Gives(EnumerateNames(UPDATE), PATHS_OF_UPDATES);
     const Call empty = Plays("--cache", ToolAnswer());
     const Call fails = Plays("--files", ToolAnswer().ExitCode(23));
     const Call killed = Plays("--files", ToolAnswer().DiesBySignal(SIGKILL));
@@ -95,7 +86,7 @@ void AddEnumerations(std::vector<Row>& rows) {
          {},
          {FILES_OF_THE_PLACEHOLDER},
          Tie("1", "one") + "\n" + Tie("1", "two")},
-        {Enumerate(FILE_LIST), "no updates", {empty, listed}, {}, ""},
+        {Enumerate(FILE_LIST), "no updates", {empty, EnumerateNames(UPDATE)}, {}, ""},
         {Enumerate(FILE_LIST),
          "the updates became stale",
          {listed, empty},
@@ -126,7 +117,8 @@ void AddEnumerations(std::vector<Row>& rows) {
          "the tool is gone",
          {listed, ToolIsGone()},
          {},
-         Fails(1, "SWU_Patchkeeper_Unknown")},
+         Fails(1, "SWU_Patchkeeper_Unknown"),
+         Missed("/qv/bin/patchkeeper --files N-V")},
         {Enumerate("znx_availablesoftwarefilelist"),
          "the class name in another case",
          {listed},
@@ -142,7 +134,7 @@ void AddEnumerations(std::vector<Row>& rows) {
          {},
          {FILES_OF_THE_PLACEHOLDER},
          PathOfTie("1", "one") + "\n" + PathOfTie("1", "two")},
-        {EnumerateNames(FILE_LIST), "no updates", {empty, listed}, {}, ""},
+        {EnumerateNames(FILE_LIST), "no updates", {empty, EnumerateNames(UPDATE)}, {}, ""},
         {EnumerateNames(FILE_LIST),
          "the tool fails",
          {listed, fails},
@@ -152,7 +144,8 @@ void AddEnumerations(std::vector<Row>& rows) {
          "the tool is gone",
          {listed, ToolIsGone()},
          {},
-         Fails(1, "SWU_Patchkeeper_Unknown")},
+         Fails(1, "SWU_Patchkeeper_Unknown"),
+         Missed("/qv/bin/patchkeeper --files N-V")},
     };
     rows.insert(rows.end(), more.begin(), more.end());
 }
@@ -162,7 +155,7 @@ void AddInstanceCalls(std::vector<Row>& rows) {
         {Get(ClassPath(FILE_LIST)), "no key", {}, {}, NOTHING},
         {Get(Path(FILE_LIST, "Antecedent", "x")),
          "an empty instance whatever is asked for",
-         {EnumerateNames(UPDATES)},
+         {Gives(EnumerateNames(UPDATE), PATHS_OF_UPDATES)},
          {},
          NOTHING},
         {Get(Path(FILE_LIST, "Antecedent", Null())), "a null key", {}, {}, NOTHING},
@@ -181,50 +174,50 @@ void AddInstanceCalls(std::vector<Row>& rows) {
 }
 
 void AddWaysToTheUpdate(std::vector<Row>& rows) {
-    const Call listed = EnumerateNames(UPDATES);
+    const Call listed = Gives(EnumerateNames(UPDATE), PATHS_OF_UPDATES);
     const std::vector<Row> more = {
-        {Associators(Update("0"), Result(UPDATES)), "an update's path", {listed}, {}, N},
-        {Associators(Update("0"), Role("Dependent")), "an update's path", {listed}, {}, N},
-        {Associators(Update("0"), ResultRole("Antecedent")), "an update's path", {listed}, {}, N},
+        {Associators(Update("0"), Result(UPDATE)), "an update's path", {listed}, {}, UPDATE_N},
+        {Associators(Update("0"), Role("Dependent")), "an update's path", {listed}, {}, UPDATE_N},
+        {Associators(Update("0"), ResultRole("Antecedent")),
+         "an update's path",
+         {listed},
+         {},
+         UPDATE_N},
         {Associators(Update("0"), {FILE_LIST, FILE_NAMES, "Antecedent", "Antecedent"}),
          "contradicting wishes, and the update wins",
          {listed},
          {},
-         N},
-        {Associators(Update("1"), Result(UPDATES)),
+         UPDATE_N},
+        {Associators(Update("1"), Result(UPDATE)),
          "before any enumeration of the updates",
          {},
          {},
          PLACEHOLDER},
-        {Associators(Update("0"), Result(UPDATES)),
+        {Associators(Update("0"), Result(UPDATE)),
          "not there before any enumeration of the updates",
          {},
          {},
          Fails(6)},
-        {Associators(Path("ZNX_Other", "InstanceID", "0"), Result(UPDATES)),
+        {Associators(Path("ZNX_Other", "InstanceID", "0"), Result(UPDATE)),
          "the class of the path is not looked at",
          {listed},
          {},
-         N},
-        {Associators(Update("9"), Result(UPDATES)), "no such position", {listed}, {}, Fails(6)},
+         UPDATE_N},
+        {Associators(Update("9"), Result(UPDATE)), "no such position", {listed}, {}, Fails(6)},
         {Associators(File("one"), Role("Dependent")), "a file's path", {listed}, {}, Fails(4)},
-        {Associators(File("one"), Result(UPDATES)), "a file's path", {listed}, {}, Fails(4)},
+        {Associators(File("one"), Result(UPDATE)), "a file's path", {listed}, {}, Fails(4)},
         {Associators(File("one"), ResultRole("Antecedent")),
          "a file's path",
          {listed},
          {},
          Fails(4)},
-        {Associators(ClassPath(UPDATES), Result(UPDATES)), "no key", {listed}, {}, Fails(4)},
-        {Associators(Path(UPDATES, "InstanceID", Null()), Result(UPDATES)),
+        {Associators(ClassPath(UPDATE), Result(UPDATE)), "no key", {listed}, {}, Fails(4)},
+        {Associators(Path(UPDATE, "InstanceID", Null()), Result(UPDATE)),
          "a null key",
          {listed},
          {},
          Fails(4)},
-        {AssociatorNames(Update("0"), Result(UPDATES)),
-         "an update's path",
-         {listed},
-         {},
-         PATH_OF_N},
+        {AssociatorNames(Update("0"), Result(UPDATE)), "an update's path", {listed}, {}, PATH_OF_N},
         {AssociatorNames(Update("0"), Role("Dependent")),
          "an update's path",
          {listed},
@@ -235,14 +228,14 @@ void AddWaysToTheUpdate(std::vector<Row>& rows) {
          {listed},
          {},
          PATH_OF_N},
-        {AssociatorNames(Update("9"), Result(UPDATES)), "no such position", {listed}, {}, Fails(6)},
+        {AssociatorNames(Update("9"), Result(UPDATE)), "no such position", {listed}, {}, Fails(6)},
         {AssociatorNames(File("one"), Role("Dependent")), "a file's path", {listed}, {}, Fails(4)},
     };
     rows.insert(rows.end(), more.begin(), more.end());
 }
 
 void AddWaysToTheFiles(std::vector<Row>& rows) {
-    const Call listed = EnumerateNames(UPDATES);
+    const Call listed = Gives(EnumerateNames(UPDATE), PATHS_OF_UPDATES);
     const Call fails = Plays("--files", ToolAnswer().ExitCode(23));
     const Call noFiles = Plays("--files", ToolAnswer());
     const std::vector<Row> more = {
@@ -286,7 +279,8 @@ void AddWaysToTheFiles(std::vector<Row>& rows) {
          "the tool is gone",
          {listed, ToolIsGone()},
          {},
-         Fails(1, "SWU_Patchkeeper_Unknown")},
+         Fails(1, "SWU_Patchkeeper_Unknown"),
+         Missed("/qv/bin/patchkeeper --files N-V")},
         {Associators(Update("9"), Result(FILE_NAMES)), "no such position", {listed}, {}, Fails(6)},
         {Associators(File("one"), Result(FILE_NAMES)), "a file's path", {listed}, {}, Fails(4)},
         {Associators(File("one"), Role("Antecedent")), "a file's path", {listed}, {}, Fails(4)},
@@ -315,7 +309,7 @@ void AddWaysToTheFiles(std::vector<Row>& rows) {
 }
 
 void AddWaysToNowhere(std::vector<Row>& rows) {
-    const Call listed = EnumerateNames(UPDATES);
+    const Call listed = Gives(EnumerateNames(UPDATE), PATHS_OF_UPDATES);
     const Association none = {FILE_LIST, "", "", ""};
     const Association unknown = {FILE_LIST, "ZNX_Other", "antecedent", "dependent"};
     const Association anywhere = {"", FILE_NAMES, "", ""};
@@ -353,12 +347,12 @@ void AddWaysToNowhere(std::vector<Row>& rows) {
                         {},
                         Fails(7)});
         rows.push_back(
-            {Associators(Path(UPDATES, "InstanceID", Text(hostile.text)), Result(FILE_NAMES)),
+            {Associators(Path(UPDATE, "InstanceID", Text(hostile.text)), Result(FILE_NAMES)),
              "the key is " + what,
              {listed},
              {},
              Fails(6)});
-        rows.push_back({References(Path(UPDATES, "InstanceID", Text(hostile.text)), FILE_LIST),
+        rows.push_back({References(Path(UPDATE, "InstanceID", Text(hostile.text)), FILE_LIST),
                         "the key is " + what,
                         {listed},
                         {},
@@ -372,7 +366,7 @@ void AddWaysToNowhere(std::vector<Row>& rows) {
 }
 
 void AddReferences(std::vector<Row>& rows) {
-    const Call listed = EnumerateNames(UPDATES);
+    const Call listed = Gives(EnumerateNames(UPDATE), PATHS_OF_UPDATES);
     const Call fails = Plays("--files", ToolAnswer().ExitCode(23));
     const Call noFiles = Plays("--files", ToolAnswer());
     const std::string ties = Tie("0", "one") + "\n" + Tie("0", "two");
@@ -408,7 +402,8 @@ void AddReferences(std::vector<Row>& rows) {
          "the tool is gone",
          {listed, ToolIsGone()},
          {},
-         Fails(1, "SWU_Patchkeeper_Unknown")},
+         Fails(1, "SWU_Patchkeeper_Unknown"),
+         Missed("/qv/bin/patchkeeper --files N-V")},
         {References(Update("9"), FILE_LIST), "no such position", {listed}, {}, Fails(6)},
         {References(File("one"), FILE_LIST), "a file's path", {listed}, {}, Fails(4)},
         {References(File("one"), FILE_LIST, "Dependent"),
@@ -416,8 +411,8 @@ void AddReferences(std::vector<Row>& rows) {
          {listed},
          {},
          Fails(4)},
-        {References(ClassPath(UPDATES), FILE_LIST), "no key", {listed}, {}, Fails(4)},
-        {References(Path(UPDATES, "InstanceID", Null()), FILE_LIST),
+        {References(ClassPath(UPDATE), FILE_LIST), "no key", {listed}, {}, Fails(4)},
+        {References(Path(UPDATE, "InstanceID", Null()), FILE_LIST),
          "a null key",
          {listed},
          {},

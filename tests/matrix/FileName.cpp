@@ -76,7 +76,8 @@ void AddEnumerations(std::vector<Row>& rows) {
          "the tool is gone",
          {ToolIsGone()},
          {},
-         Fails(1, "SWU_Patchkeeper_Unknown")},
+         Fails(1, "SWU_Patchkeeper_Unknown"),
+         Missed("/qv/bin/patchkeeper --files ")},
         {Enumerate("znx_availablesoftwarefilename"),
          "the class name in another case",
          {},
@@ -97,24 +98,26 @@ void AddEnumerations(std::vector<Row>& rows) {
          "the tool is gone",
          {ToolIsGone()},
          {},
-         Fails(1, "SWU_Patchkeeper_Unknown")},
+         Fails(1, "SWU_Patchkeeper_Unknown"),
+         Missed("/qv/bin/patchkeeper --files ")},
     };
     rows.insert(rows.end(), more.begin(), more.end());
 }
 
 void AddGets(std::vector<Row>& rows) {
+    const Call listed = Gives(Enumerate(FILE_NAMES), InstanceOf("one") + "\n" + InstanceOf("two"));
     const Call fails = Plays("--files", ToolAnswer().Output("one\n").ExitCode(23));
     const Call killed = Plays("--files", ToolAnswer().DiesBySignal(SIGKILL));
     const std::vector<Row> more = {
         {Get(File("one")), "before any enumeration", {}, {LISTS}, InstanceOf("one")},
         {Get(File("two")),
          "after an enumeration the tool is asked again",
-         {Enumerate(FILE_NAMES)},
+         {listed},
          {LISTS},
          InstanceOf("two")},
         {Get(File("one")),
          "the file has gone since the enumeration",
-         {Enumerate(FILE_NAMES), Prints("two")},
+         {listed, Prints("two")},
          {LISTS},
          Fails(6)},
         {Get(File("two"), {{"Other"}}),
@@ -133,7 +136,12 @@ void AddGets(std::vector<Row>& rows) {
          {killed},
          {LISTS, "/qv/bin/patchkeeper --errors 137 2>&1"},
          Fails(6)},
-        {Get(File("one")), "the tool is gone", {ToolIsGone()}, {}, Fails(6)},
+        {Get(File("one")),
+         "the tool is gone",
+         {ToolIsGone()},
+         {},
+         Fails(6),
+         Missed("/qv/bin/patchkeeper --files ")},
         {Get(ClassPath(FILE_NAMES)), "no key", {}, {}, Fails(6)},
         {Get(Path(FILE_NAMES, "InstanceID", "one")), "another key", {}, {}, Fails(6)},
         {Get(Path(FILE_NAMES, "FileName", Null())), "a null key", {}, {}, Fails(6)},

@@ -45,9 +45,7 @@ Call Prints(const std::string& output) {
 }
 
 std::string Lacks(const std::string& field) {
-    return Fails(1, "Failed to parse " + field +
-                        " field from /qv/bin/patchkeeper --hist\n#SWU_Error_ParsingFailed," +
-                        field + ",/qv/bin/patchkeeper --hist#");
+    return LacksField(field, "/qv/bin/patchkeeper --hist");
 }
 
 std::string NotStarted() {
@@ -82,7 +80,8 @@ void AddEnumerations(std::vector<Row>& rows) {
          "the tool is gone",
          {ToolIsGone()},
          {},
-         Fails(1, "SWU_Patchkeeper_Unknown")},
+         Fails(1, "SWU_Patchkeeper_Unknown"),
+         Missed("/qv/bin/patchkeeper --hist")},
         {Enumerate(HISTORY), "a blank line", {Prints("\n")}, {LISTS}, Lacks("Name")},
         {Enumerate(HISTORY), "a line of one field", {Prints("N\n")}, {LISTS}, Lacks("Version")},
         {Enumerate(HISTORY),
@@ -122,7 +121,8 @@ void AddEnumerations(std::vector<Row>& rows) {
          "the tool is gone",
          {ToolIsGone()},
          {},
-         Fails(1, "SWU_Patchkeeper_Unknown")},
+         Fails(1, "SWU_Patchkeeper_Unknown"),
+         Missed("/qv/bin/patchkeeper --hist")},
         {EnumerateNames(HISTORY),
          "a line of five fields",
          {Prints("N\tV\tD\tC\tJan 2 2026 03:04\n")},
@@ -140,7 +140,7 @@ void AddEnumerations(std::vector<Row>& rows) {
 void AddDescriptions(std::vector<Row>& rows) {
     const Names wanted = {{"UpdateDescription"}};
     const Names twice = {{"UpdateDescription", "UpdateDescription"}};
-    const Call listed = EnumerateNames(HISTORY);
+    const Call listed = Gives(EnumerateNames(HISTORY), PATH_OF_N + "\n" + PATH_OF_M);
     const Call fails = Plays("-l", ToolAnswer().Output("some of it").ExitCode(5));
     const std::vector<Row> more = {
         {Enumerate(HISTORY, wanted),
@@ -185,40 +185,47 @@ void AddDescriptions(std::vector<Row>& rows) {
          "the tool is gone",
          {listed, ToolIsGone()},
          {},
-         Fails(1, "SWU_Patchkeeper_Unknown")},
+         Fails(1, "SWU_Patchkeeper_Unknown"),
+         Missed("/qv/bin/patchkeeper -l N-V", 1)},
         {Get(Update("9"), wanted), "no such position", {listed}, {}, Fails(6)},
     };
     rows.insert(rows.end(), more.begin(), more.end());
 }
 
 void AddGets(std::vector<Row>& rows) {
-    const Call listed = EnumerateNames(HISTORY);
+    const Call listed = Gives(EnumerateNames(HISTORY), PATH_OF_N + "\n" + PATH_OF_M);
     const Call fails = Plays("--hist", ToolAnswer().ExitCode(23));
     const std::vector<Row> more = {
         {Get(Update("0")), "before any enumeration", {}, {}, Fails(6)},
         {Get(Update("0")), "after an enumeration of names", {listed}, {}, N},
-        {Get(Update("1")), "after an enumeration of instances", {Enumerate(HISTORY)}, {}, M},
+        {Get(Update("1")),
+         "after an enumeration of instances",
+         {Gives(Enumerate(HISTORY), N + "\n" + M)},
+         {},
+         M},
         {Get(Update("2")), "no such position", {listed}, {}, Fails(6)},
         {Get(Update("00")), "another text of the same number", {listed}, {}, Fails(6)},
         {Get(Update("0")), "the list became stale", {listed, Prints("X\tY\n")}, {}, N},
         {Get(Update("0")),
          "the tool failed at the last enumeration",
-         {listed, fails, listed},
+         {listed, fails, Gives(EnumerateNames(HISTORY), ToolFails(23))},
          {},
          Fails(6)},
         {Get(Update("1")),
          "the second line was short at the last enumeration",
-         {Prints("N\tV\tDesc\tSecurity\tJan 2 2026 03:04\tRemovable\nM\n"), listed},
+         {Prints("N\tV\tDesc\tSecurity\tJan 2 2026 03:04\tRemovable\nM\n"),
+          Gives(EnumerateNames(HISTORY), Lacks("Version"))},
          {},
          Fails(6)},
         {Get(Update("0")),
          "it stands before the short line of the last enumeration",
-         {Prints("N\tV\tDesc\tSecurity\tJan 2 2026 03:04\tRemovable\nM\n"), listed},
+         {Prints("N\tV\tDesc\tSecurity\tJan 2 2026 03:04\tRemovable\nM\n"),
+          Gives(EnumerateNames(HISTORY), Lacks("Version"))},
          {},
          N},
         {Get(Update("0")),
          "an unreadable date",
-         {Prints("N\tV\tD\tC\tyesterday\tRemovable\n"), listed},
+         {Prints("N\tV\tD\tC\tyesterday\tRemovable\n"), Gives(EnumerateNames(HISTORY), PATH_OF_N)},
          {},
          Escapes("DateTimeException")},
         {Get(ClassPath(HISTORY)), "no key", {listed}, {}, Fails(4)},
@@ -241,7 +248,7 @@ void AddGets(std::vector<Row>& rows) {
 }
 
 void AddRefusals(std::vector<Row>& rows) {
-    const Call listed = EnumerateNames(HISTORY);
+    const Call listed = Gives(EnumerateNames(HISTORY), PATH_OF_N + "\n" + PATH_OF_M);
     const std::vector<Row> more = {
         {Create(HISTORY), "always refused", {listed}, {}, Fails(7)},
         {Modify(HISTORY, {{"InstanceID", Text("0")}}), "always refused", {listed}, {}, Fails(7)},
@@ -254,7 +261,7 @@ void AddRefusals(std::vector<Row>& rows) {
 }
 
 void AddMethods(std::vector<Row>& rows) {
-    const Call listed = EnumerateNames(HISTORY);
+    const Call listed = Gives(EnumerateNames(HISTORY), PATH_OF_N + "\n" + PATH_OF_M);
     const Call mark = Plays("--setinprogress", ToolAnswer().ExitCode(23));
     const std::string done = "boolean true";
     const std::vector<Row> more = {
@@ -279,7 +286,8 @@ void AddMethods(std::vector<Row>& rows) {
          "the tool is gone",
          {listed, ToolIsGone()},
          {},
-         NotStarted()},
+         NotStarted(),
+         {MARKS}},
         {Invoke(Update("0"), "Remove"),
          "the list became stale",
          {listed, Prints("X\tY\n")},

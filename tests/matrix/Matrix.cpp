@@ -151,6 +151,11 @@ std::string ToolFails(int exitCode) {
     return Fails(1, std::string("What it means.\n\n#") + IdOf(exitCode) + "#");
 }
 
+std::string LacksField(const std::string& field, const std::string& command) {
+    return Fails(1, "Failed to parse " + field + " field from " + command +
+                        "\n#SWU_Error_ParsingFailed," + field + "," + command + "#");
+}
+
 CIMValue Text(const std::string& text) {
     return CIMValue(String(text.data(), text.size()));
 }
@@ -321,6 +326,11 @@ Call ReferenceNames(const CIMObjectPath& path, const char* resultClass, const ch
     });
 }
 
+Call Gives(Call call, const std::string& answer) {
+    call.given = answer;
+    return call;
+}
+
 Call Plays(const char* option, const ToolAnswer& answer) {
     return {"", std::string("the tool's answer to ") + option + " changes", [=](Scene& scene) {
                 scene.tool.Plays(option, answer);
@@ -333,6 +343,10 @@ Call ToolIsGone() {
                 scene.tool.TakeToolAway();
                 return std::string();
             }};
+}
+
+std::vector<std::string> Missed(const std::string& command, int exitCode) {
+    return {command, "/qv/bin/patchkeeper --errors " + std::to_string(exitCode)};
 }
 
 const std::vector<Table>& Tables() {

@@ -24,15 +24,17 @@ struct Call {
     std::string className;                  // empty where no client calls
     std::string text;                       // as the table shows it
     std::function<std::string(Scene&)> run; // gives the answer in the form of Row::answer
+    std::string given = {};                 // in Row::before: the answer that it gives there
 };
 
 struct Row {
     Call call;
     std::string situation; // what is special, in words
-    // What happened before; its command lines are not counted, its answers not looked at.
+    // What happened before; its command lines are not counted. A call that answers with more than
+    // the empty text is wrapped in Gives.
     std::vector<Call> before;
     // The text that the shell is given for each run of the tool, in order, blanks and all; also of
-    // what runs in the background. Of a tool that cannot be started there is no record.
+    // what runs in the background.
     std::vector<std::string> commands;
     // What the client gets. A method: string "text", boolean true, sint8 1, and behind it
     // `, Name = string "text"` for each out-parameter in order. An instance:
@@ -40,6 +42,9 @@ struct Row {
     // /root/cimv2:ZNX_Class.Key="value". An enumeration: its elements, a line each, and the empty
     // text for none. A failure: what Fails gives. Anything else: the empty text.
     std::string answer;
+    // What the library has the shell run behind `commands`, and no tool is reached: there is none,
+    // or the shell cannot read the line. What collects the output may be left out.
+    std::vector<std::string> inVain = {};
 };
 
 using Values = std::vector<OpenWBEM::CIMValue>;
@@ -53,6 +58,9 @@ std::string Escapes(const std::string& type);
 // The failure that a tool run with this exit code ends in, where --errors plays its ordinary
 // answer.
 std::string ToolFails(int exitCode);
+
+// The failure that a line ends in which lacks this field, where this command line has printed it.
+std::string LacksField(const std::string& field, const std::string& command);
 
 OpenWBEM::CIMValue Text(const std::string& text);
 OpenWBEM::CIMValue Flag(bool flag);
@@ -94,9 +102,15 @@ Call References(const OpenWBEM::CIMObjectPath& path, const char* resultClass,
 Call ReferenceNames(const OpenWBEM::CIMObjectPath& path, const char* resultClass,
                     const char* role = "");
 
+// The same call in Row::before, with what the client gets there.
+Call Gives(Call call, const std::string& answer);
+
 // What befalls the tool, for Row::before.
 Call Plays(const char* option, const test_support::ToolAnswer& answer);
 Call ToolIsGone();
+
+// Row::inVain where there is no tool: the run, and the question what its exit code means.
+std::vector<std::string> Missed(const std::string& command, int exitCode = 127);
 
 // The rows of each class, in the file of its name.
 std::vector<Row> ComponentRows();

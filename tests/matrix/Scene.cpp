@@ -40,9 +40,7 @@ void PlaysOrdinaryAnswers(ToolDouble& tool) {
 } // namespace
 
 // The scene is that of a fresh process.
-Scene::Scene()
-    : env(new test_support::Environment(std::make_shared<test_support::LogLines>())),
-      calls(master, env) {
+Scene::Scene() : env(new test_support::Environment(log)), calls(master, env) {
     setenv("TZ", "UTC", 1);
     PlaysOrdinaryAnswers(tool);
     gAvaliableList = Array<AvaliableUpdate>();

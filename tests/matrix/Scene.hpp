@@ -23,6 +23,7 @@ public:
     static void Settle();
 
     test_support::ToolDouble tool;
+    std::shared_ptr<test_support::LogLines> log = std::make_shared<test_support::LogLines>();
     OpenWBEM::ProviderEnvironmentIFCRef env;
     SoftwareUpdateProvider master;
     test_support::Calls calls;

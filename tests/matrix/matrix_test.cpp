@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <set>
 #include <string>
 
@@ -16,17 +17,52 @@ void PrintTo(const Table& table, std::ostream* out) {
 
 namespace {
 
+// What the log says of a run: as much of the command line as a trace line holds, without what
+// collects the output.
+std::string LoggedRun(std::string command) {
+    const std::string collects = " 2>&1";
+    const std::size_t end = command.size() - std::min(command.size(), collects.size());
+    if (command.compare(end, std::string::npos, collects) == 0) {
+        command.resize(end);
+    }
+    return ("Executing: " + command).substr(0, 1023);
+}
+
+std::vector<std::string> LoggedRuns(const Row& row) {
+    std::vector<std::string> lines;
+    for (const std::string& command : row.commands) {
+        lines.push_back(LoggedRun(command));
+    }
+    for (const std::string& command : row.inVain) {
+        lines.push_back(LoggedRun(command));
+    }
+    return lines;
+}
+
+std::vector<std::string> LoggedRuns(const Scene& scene) {
+    const std::string begin = "INFO: Executing: ";
+    std::vector<std::string> lines;
+    for (const std::string& line : scene.log->All()) {
+        if (line.rfind(begin, 0) == 0) {
+            lines.push_back(line.substr(begin.find('E')));
+        }
+    }
+    return lines;
+}
+
 void CarriesOut(const Row& row) {
     Scene scene;
     for (const Call& call : row.before) {
-        AnswerOf(call, scene);
+        EXPECT_EQ(AnswerOf(call, scene), call.given) << "before: " << call.text;
     }
     Scene::Settle();
     scene.tool.ForgetCalls();
+    scene.log->Forget();
     const std::string answer = AnswerOf(row.call, scene);
     Scene::Settle();
     EXPECT_EQ(answer, row.answer);
     EXPECT_EQ(scene.tool.ShellCommands(), row.commands);
+    EXPECT_EQ(LoggedRuns(scene), LoggedRuns(row));
 }
 
 class Matrix : public testing::TestWithParam<Table> {};

@@ -35,7 +35,12 @@ void Print(const matrix::Row& row) {
         std::printf("    %-8s |%s|\n", head, OneLine(command).c_str());
         head = "";
     }
-    if (row.commands.empty()) {
+    head = "in vain";
+    for (const std::string& command : row.inVain) {
+        std::printf("    %-8s |%s|\n", head, OneLine(command).c_str());
+        head = "";
+    }
+    if (row.commands.empty() && row.inVain.empty()) {
         std::printf("    runs     nothing\n");
     }
     std::printf("    answers  %s\n", row.answer.empty() ? "nothing" : OneLine(row.answer).c_str());

@@ -2,7 +2,8 @@
 
 A mutant is three lines: a file, `- ` and a text that occurs in it exactly once, `+ ` and what takes its
 place. It is noticed when a test fails and survives when all pass. One that does not compile proves nothing
-and ends the run.
+and ends the run. Usage: run.py [TEXT | --check]: all of them, those with this text in their lines, or only
+whether each can be applied to the tree as it stands, which takes no build.
 """
 
 import datetime
@@ -32,6 +33,19 @@ def mutants():
         if not old.startswith("- ") or not new.startswith("+ "):
             sys.exit(f"mutants.txt:{number}: a file, a line with '- ' and one with '+ ' are expected")
         yield file.strip(), old[2:], new[2:], number
+
+
+def misplaced(chosen):
+    """What is wrong with mutants that could not be applied, or are there twice."""
+    seen = set()
+    for file, old, new, number in chosen:
+        path = TREE / file
+        count = path.read_text(encoding="utf-8").count(old) if path.is_file() else 0
+        if count != 1:
+            yield f"mutants.txt:{number}: occurs {count} times in {file}: {old}"
+        if old == new or (file, old, new) in seen:
+            yield f"mutants.txt:{number}: changes nothing, or is there twice: {old}"
+        seen.add((file, old, new))
 
 
 def run(*command, **options):
@@ -85,11 +99,9 @@ def verdict(chosen):
     return first_failure(tests.stdout) if tests.returncode else None
 
 
-def try_out(file, old, new, number):
+def try_out(file, old, new):
     path = COPY / file
     text = path.read_text(encoding="utf-8")
-    if text.count(old) != 1:
-        sys.exit(f"mutants.txt:{number}: occurs {text.count(old)} times in {file}: {old}")
     try:
         path.write_text(text.replace(old, new), encoding="utf-8")
         return verdict(programs(file))
@@ -119,14 +131,21 @@ def cell(text):
 
 def main():
     wanted = sys.argv[1] if len(sys.argv) > 1 else ""
-    chosen = [mutant for mutant in mutants() if any(wanted in part for part in mutant[:3])]
+    every = list(mutants())
+    wrong = list(misplaced(every))
+    if wrong:
+        sys.exit("\n".join(wrong))
+    if wanted == "--check":
+        print(f"{len(every)} mutants can be applied")
+        return 0
+    chosen = [mutant for mutant in every if any(wanted in part for part in mutant[:3])]
     prepare()
     before = verdict(EVERYTHING)
     if before:
         sys.exit(f"the tests fail before anything is broken: {before}")
     results = []
-    for file, old, new, number in chosen:
-        noticed = try_out(file, old, new, number)
+    for file, old, new, _ in chosen:
+        noticed = try_out(file, old, new)
         print(f"{'noticed ' if noticed else 'SURVIVES'}  {file}:  {old.strip()}  ->  {new.strip()}"
               f"  {noticed or ''}", flush=True)
         results.append((file, old, new, noticed))

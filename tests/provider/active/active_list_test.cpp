@@ -165,14 +165,14 @@ TEST_F(ActiveListFailures, AFailingToolIsDescribedAndNothingIsKept) {
     EXPECT_THAT(IdentifiersOf(list), IsEmpty());
 }
 
-TEST_F(ActiveListFailures, AMissingTool) {
+TEST_F(ActiveListFailures, AMissingToolIsAFailureWithoutADescription) {
     tool.TakeToolAway();
     EXPECT_EQ(Fill(), Failed("SWU_Patchkeeper_Unknown"));
     EXPECT_TRUE(log->Contains("INFO: Executing: /qv/bin/patchkeeper --errors 127"));
     EXPECT_THAT(IdentifiersOf(list), IsEmpty());
 }
 
-TEST_F(ActiveListFailures, AKilledTool) {
+TEST_F(ActiveListFailures, AKilledToolFailsWith128AndItsSignal) {
     tool.Plays("--apply", ToolAnswer().Output(Line("a", "1")).DiesBySignal(SIGKILL));
     EXPECT_EQ(Fill(), Failed("It failed.\n\n#SWU_Patchkeeper_Unknown#"));
     EXPECT_TRUE(log->Contains("INFO: Executing: /qv/bin/patchkeeper --errors 137"));
@@ -265,7 +265,7 @@ TEST_F(ActiveListFailures, AZeroByteEndsItsLine) {
     EXPECT_EQ(Fill(), Failed(MissingField("Version")));
 }
 
-TEST_F(ActiveListFailures, AsManyRecordsAsTheCursorCanNumber) {
+TEST_F(ActiveListFailures, AsManyRecordsAsTheCursorCanNumberAreRead) {
     std::string output;
     for (int i = 0; i < 65535; ++i) {
         output += Line("u", std::to_string(i));

@@ -170,7 +170,7 @@ TEST_F(ActiveManager, AFailingToolFailsTheIteration) {
     EXPECT_FALSE(manager.hasNext());
 }
 
-TEST_F(ActiveManager, InitAsksNothing) {
+TEST_F(ActiveManager, InitAsksTheToolNothing) {
     ActiveUpdate_ObjectInstanceManager::init();
     EXPECT_THAT(tool.Calls(), testing::IsEmpty());
 }

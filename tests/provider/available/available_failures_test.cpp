@@ -26,8 +26,7 @@ protected:
     }
 
     static std::string MissingField(const std::string& field) {
-        return "Failed to parse " + field + " field from /qv/bin/patchkeeper --cache \n" +
-               "#SWU_Error_ParsingFailed," + field + ",/qv/bin/patchkeeper --cache #";
+        return FailureToParse(field, "/qv/bin/patchkeeper --cache ");
     }
 
     // A line of so many bytes, its newline included.
@@ -47,13 +46,13 @@ TEST_F(AvailableFailures, AFailingToolIsDescribedAndLeavesNothing) {
     EXPECT_EQ(gAvaliableList.size(), 0U);
 }
 
-TEST_F(AvailableFailures, AMissingTool) {
+TEST_F(AvailableFailures, AMissingToolIsAFailureWithoutADescription) {
     tool.TakeToolAway();
     EXPECT_EQ(UpdatesError(), Failed("SWU_Patchkeeper_Unknown"));
     EXPECT_EQ(gAvaliableList.size(), 0U);
 }
 
-TEST_F(AvailableFailures, AKilledTool) {
+TEST_F(AvailableFailures, AKilledToolFailsWith128AndItsSignal) {
     tool.Plays("--cache", ToolAnswer().Output(Line("N")).DiesBySignal(SIGKILL));
     EXPECT_EQ(UpdatesError(), Failed("A description.\n\n#SWU_Patchkeeper_Unknown#"));
     EXPECT_TRUE(log->Contains("INFO: Executing: /qv/bin/patchkeeper --errors 137"));

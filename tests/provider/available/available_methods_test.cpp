@@ -1,7 +1,5 @@
 #include "AvailableTest.hpp"
 
-#include "OW_CIMDateTime.hpp"
-
 #include <cstdlib>
 #include <filesystem>
 
@@ -14,10 +12,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace {
-
-CIMValue When(const char* text) {
-    return CIMValue(CIMDateTime(String(text)));
-}
 
 const char* const MARK = "/qv/bin/patchkeeper --setinprogress";
 
@@ -273,7 +267,7 @@ TEST_F(AvailableMethods, HavingComponentsForgetsThoseOfBefore) {
 }
 
 // What a tool that could not be started gives: -1 where its output is wanted.
-TEST_F(AvailableMethods, ACommandOverTheSystemsLimit) {
+TEST_F(AvailableMethods, ACommandOverTheSystemsLimitIsAFailure) {
     const AvaliableUpdate record = Record(std::string(200'000, 'n').c_str(), "V");
     EXPECT_EQ(CimErrorOf([&] { record.Schedule("d", "t"); }),
               Failed("A description.\n\n#SWU_Patchkeeper_Unknown#"));
@@ -412,4 +406,22 @@ TEST_F(AvailableMethodOddities, AV19_ARefusalIsAReturnedText) {
     EXPECT_EQ(ftp("server", "it's"), CIMValue("Invalid Parameters"));
     EXPECT_EQ(Invoke("GetViaUsb", {CIMValue("a;b")}), CIMValue("Invalid Parameters"));
     EXPECT_THAT(tool.Calls(), IsEmpty());
+}
+
+TEST_F(AvailableMethodOddities, AV22_MethodNamesAreComparedWithTheirCase) {
+    for (const char* const other :
+         {"getviaftp", "GetViaFTP", "getviahttp", "getviasamba", "getviausb", "getviaharddrive",
+          "getviaelementmanager", "getprogress", "apply", "WARNINGS", "hasoptionalcomponents",
+          "addtoschedule"}) {
+        EXPECT_EQ(CimErrorOf([&] { InvokeOn("0", other); }).number, 17) << other;
+    }
+    EXPECT_THAT(tool.Calls(), IsEmpty());
+}
+
+TEST_F(AvailableMethodOddities, AV23_BothTextsCarryTheDayAndTheTimeOfDay) {
+    InvokeOn("0", "AddToSchedule",
+             {When("20260213010203.000000+000"), When("20270405060708.000000+000")});
+    EXPECT_THAT(tool.Calls().back(),
+                ElementsAre("/qv/bin/patchkeeper", "--sched", "N", "V", "Fri Feb 13 01:02:03 2026",
+                            "Mon Apr  5 06:07:08 2027"));
 }

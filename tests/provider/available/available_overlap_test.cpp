@@ -63,20 +63,7 @@ TEST_F(AvailableOverlap, EverythingAtOnceGivesEveryCallItsOwnAnswer) {
 }
 
 TEST_F(AvailableOverlap, AnEnumerationKeepsItsRecordsWhileAnotherReplacesTheList) {
-    class Interrupted : public CIMInstanceResultHandlerIFC {
-    public:
-        explicit Interrupted(std::function<void()> interruption)
-            : interruption_(std::move(interruption)) {}
-        std::size_t handled = 0;
-
-    private:
-        void doHandle(const CIMInstance&) override {
-            if (handled++ == 3) {
-                interruption_();
-            }
-        }
-        std::function<void()> interruption_;
-    } result([&] {
+    InterruptedResult result([&] {
         Lists("");
         EXPECT_TRUE(Updates().empty());
     });

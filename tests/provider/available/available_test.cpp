@@ -11,18 +11,6 @@ using test_support::ToolAnswer;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-namespace {
-
-StringArray Names(const std::vector<const char*>& names) {
-    StringArray result;
-    for (const char* const name : names) {
-        result.push_back(name);
-    }
-    return result;
-}
-
-} // namespace
-
 class Available : public AvailableTest {
 protected:
     Available() {
@@ -179,19 +167,6 @@ TEST_F(Available, CleanupLeavesTheListAlone) {
     EXPECT_EQ(gAvaliableList.size(), 2U);
 }
 
-TEST_F(Available, ADescriptionNamedTwiceIsFetchedTwice) {
-    Updates();
-    tool.ForgetCalls();
-    const StringArray twice = Names({"UpdateDescription", "Name", "UpdateDescription"});
-    const CIMInstance instance = GetUpdate("1", &twice);
-    EXPECT_EQ(instance.getProperties().size(), 8U);
-    EXPECT_EQ(Text(instance.getProperties()[7].getName()), "UpdateDescription");
-    EXPECT_EQ(ValueOf(instance, "UpdateDescription"), "The long\ntext.\n");
-    EXPECT_THAT(tool.ShellCommands(),
-                ElementsAre("/qv/bin/patchkeeper -l kernel-patch-1.2-3 2>&1",
-                            "/qv/bin/patchkeeper -l kernel-patch-1.2-3 2>&1"));
-}
-
 TEST_F(Available, OtherSpellingsFetchNoDescription) {
     Updates();
     tool.ForgetCalls();
@@ -282,4 +257,24 @@ TEST_F(AvailableOddities, AV18_GetInstanceNeverAsksForTheList) {
     Lists(Line("vim"));
     EXPECT_EQ(ValueOf(GetUpdate("0"), "Name"), "N");
     EXPECT_EQ(tool.Calls().size(), 1U);
+}
+
+TEST_F(AvailableOddities, AV20_LinesOfErrorOutputAreRecords) {
+    tool.Plays("--cache", ToolAnswer().Output(Line("vim")).ErrorText(Line("warning")));
+    const CIMInstanceArray instances = Updates();
+    ASSERT_EQ(instances.size(), 2U);
+    EXPECT_EQ(ValueOf(instances[1], "Name"), "warning");
+}
+
+TEST_F(AvailableOddities, AV21_NamedTwiceTheDescriptionIsFetchedTwice) {
+    Updates();
+    tool.ForgetCalls();
+    const StringArray twice = Names({"UpdateDescription", "Name", "UpdateDescription"});
+    const CIMInstance instance = GetUpdate("1", &twice);
+    EXPECT_EQ(instance.getProperties().size(), 8U);
+    EXPECT_EQ(Text(instance.getProperties()[7].getName()), "UpdateDescription");
+    EXPECT_EQ(ValueOf(instance, "UpdateDescription"), "The long\ntext.\n");
+    EXPECT_THAT(tool.ShellCommands(),
+                ElementsAre("/qv/bin/patchkeeper -l kernel-patch-1.2-3 2>&1",
+                            "/qv/bin/patchkeeper -l kernel-patch-1.2-3 2>&1"));
 }

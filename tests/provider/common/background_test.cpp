@@ -14,7 +14,6 @@ using test_support::CimErrorOf;
 using test_support::Failed;
 using test_support::ToolAnswer;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 namespace {
 
@@ -184,4 +183,26 @@ TEST_F(CommonOddities, CM2_EveryFailureInTheBackgroundIsLoggedAsUnknown) {
         EXPECT_EQ(log->All()[3], "INFO: Error during background /qv/bin/patchkeeper --apply: "
                                  "SWU_Patchkeeper_Unknown");
     }
+}
+
+TEST_F(CommonOddities, CM12_TheArgumentOfAFailedStartIsTheWholeSentence) {
+    tool.Plays("--setinprogress", ToolAnswer().ExitCode(1));
+    PrintedBy([&] {
+        EXPECT_EQ(CimErrorOf([] { SpawnBackgroundThread("/qv/bin/patchkeeper --em "); }).message,
+                  "general error (Failed: /qv/bin/patchkeeper --em \n"
+                  "#SWU_Error_ExecutionFailed,Failed: /qv/bin/patchkeeper --em #)");
+    });
+}
+
+TEST_F(CommonOddities, CM13_AFailedMarkIsPrintedAlwaysAndAFailedStartOnlyWithTheSwitch) {
+    gProviderAgentDebug = false;
+    EXPECT_EQ(PrintedBy([&] {
+                  const NoMoreThreads none;
+                  EXPECT_EQ(CimErrorOf([] { SpawnBackgroundThread(COMMAND); }).number, 1);
+              }),
+              "");
+    tool.Plays("--setinprogress", ToolAnswer().ExitCode(1));
+    EXPECT_EQ(
+        PrintedBy([&] { EXPECT_EQ(CimErrorOf([] { SpawnBackgroundThread(COMMAND); }).number, 1); }),
+        "Failed: /qv/bin/patchkeeper --apply N V \n");
 }

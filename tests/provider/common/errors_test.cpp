@@ -1,5 +1,6 @@
 #include "provider/ProviderTest.hpp"
 
+#include <csignal>
 #include <map>
 
 using test_support::CimErrorOf;
@@ -48,6 +49,23 @@ TEST_F(ThrowPatchKeeperError_, DescribesAToolThatCouldNotStart) {
     EXPECT_EQ(CimErrorOf([] { ThrowPatchKeeperError(-1); }),
               Failed("Unknown.\n\n#SWU_Patchkeeper_Unknown#"));
     EXPECT_THAT(tool.Calls(), ElementsAre(ElementsAre("/qv/bin/patchkeeper", "--errors", "-1")));
+}
+
+TEST_F(ThrowPatchKeeperError_, TakesAnEmptyDescriptionForOne) {
+    tool.Plays("--errors", ToolAnswer());
+    EXPECT_EQ(CimErrorOf([] { ThrowPatchKeeperError(11); }),
+              Failed("\n#SWU_Patchkeeper_FtpFailed#"));
+}
+
+TEST_F(ThrowPatchKeeperError_, HandsTheDescriptionOnByteByByte) {
+    tool.Plays("--errors", ToolAnswer().Output("a,b#c\r\n\xff\xc3 and no newline"));
+    EXPECT_EQ(CimErrorOf([] { ThrowPatchKeeperError(11); }),
+              Failed("a,b#c\r\n\xff\xc3 and no newline\n#SWU_Patchkeeper_FtpFailed#"));
+}
+
+TEST_F(ThrowPatchKeeperError_, GivesTheIdAloneWhenTheToolIsKilled) {
+    tool.Plays("--errors", ToolAnswer().Output("Some of it.\n").DiesBySignal(SIGKILL));
+    EXPECT_EQ(CimErrorOf([] { ThrowPatchKeeperError(11); }), Failed("SWU_Patchkeeper_FtpFailed"));
 }
 
 TEST_F(ThrowPatchKeeperError_, GivesTheIdAloneWhenTheToolIsGone) {

@@ -4,7 +4,6 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 
 using OpenWBEM::Array;
 using OpenWBEM::String;

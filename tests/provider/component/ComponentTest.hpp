@@ -5,7 +5,6 @@
 #include "provider/common/SharedList.hpp"
 #include "provider/component/ComponentProvider.hpp"
 
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -58,34 +57,3 @@ protected:
     ComponentProvider componentProvider;
     test_support::Calls calls{componentProvider, env};
 };
-
-// "type Name=value" of each property, in the order of the instance.
-inline std::vector<std::string> PropertiesOf(const OpenWBEM::CIMInstance& instance) {
-    std::vector<std::string> result;
-    const OpenWBEM::CIMPropertyArray properties = instance.getProperties();
-    for (const OpenWBEM::CIMProperty& property : properties) {
-        result.push_back(std::string(property.getDataType().toString().c_str()) + " " +
-                         property.getName().c_str() + "=" + property.getValue().toString().c_str());
-    }
-    return result;
-}
-
-// The value of a property as text, "(null)" without one.
-inline std::string ValueOf(const OpenWBEM::CIMInstance& instance, const char* name) {
-    return instance.getPropertyValue(name).toString().c_str();
-}
-
-// Runs the actions side by side, each the given number of times.
-inline void SideBySide(const std::vector<std::function<void()>>& actions, int times) {
-    std::vector<std::thread> threads;
-    for (const auto& action : actions) {
-        threads.emplace_back([&action, times] {
-            for (int i = 0; i < times; ++i) {
-                action();
-            }
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-}

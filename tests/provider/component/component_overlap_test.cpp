@@ -14,7 +14,7 @@ protected:
     }
 };
 
-TEST_F(ComponentOverlap, EnumerationsChoicesGetsAndSelectionsAtOnce) {
+TEST_F(ComponentOverlap, EverythingAtOnceGivesEveryCallItsOwnAnswer) {
     const auto enumerate = [&] {
         const CIMInstanceArray instances = calls.EnumInstances(COMPONENT);
         ASSERT_EQ(instances.size(), 3U);
@@ -89,6 +89,26 @@ TEST_F(ComponentOverlap, AnEnumerationThatWasOvertakenByASelectionLeavesTheListA
     tool.Release("--components");
     slow.join();
     EXPECT_EQ(CimErrorOf([&] { Get("0"); }), NotFound());
+}
+
+TEST_F(ComponentOverlap, TheSameSelectionAgainDoesNotTakeALateEnumeration) {
+    const std::vector<std::vector<const char*>> overtakings = {{"M", "N"}, {"N"}};
+    for (const std::vector<const char*>& names : overtakings) {
+        SelectComponentsOf("N", "V");
+        tool.ForgetCalls();
+        tool.Plays("--components", ToolAnswer().Output("late\n").Held());
+        std::thread slow([&] { EXPECT_EQ(calls.EnumInstances(COMPONENT).size(), 1U); });
+        ASSERT_TRUE(tool.WaitForCalls(1));
+        for (const char* const name : names) {
+            SelectComponentsOf(name, "V");
+        }
+        tool.Release("--components");
+        slow.join();
+        EXPECT_EQ(CimErrorOf([&] { Get("0"); }), NotFound()) << names.size();
+        Prints("late\n");
+        Enumerate();
+        EXPECT_EQ(ValueOf(Get("0"), "Name"), "late");
+    }
 }
 
 TEST_F(ComponentOverlap, NameAndVersionOfTheSelectionStayTogether) {

@@ -1,5 +1,7 @@
 #include "ComponentTest.hpp"
 
+#include "provider/available/AvaliableProvider.hpp"
+
 using namespace OpenWBEM;
 using test_support::CimErrorOf;
 using test_support::Failed;
@@ -185,7 +187,7 @@ TEST_F(Components, FieldsBehindTheNameAreIgnored) {
     EXPECT_EQ(ValueOf(instances[1], "Name"), "b");
 }
 
-TEST_F(Components, NoneAtAll) {
+TEST_F(Components, WithoutOutputThereIsNothing) {
     Enumerate();
     Choose("0");
     Prints("");
@@ -194,7 +196,7 @@ TEST_F(Components, NoneAtAll) {
     EXPECT_EQ(CimErrorOf([&] { Get("0"); }), NotFound());
 }
 
-TEST_F(Components, MoreOfThemThanASixteenBitCounterNumbers) {
+TEST_F(Components, MoreOfThemThanASixteenBitCounterNumbersAreServed) {
     std::string output;
     for (int i = 0; i < 70'000; ++i) {
         output += "c" + std::to_string(i) + "\n";
@@ -236,7 +238,7 @@ TEST_F(ComponentFailures, AFailingToolIsDescribedAndLeavesNothing) {
     EXPECT_EQ(gComponentList.size(), 0U);
 }
 
-TEST_F(ComponentFailures, AMissingTool) {
+TEST_F(ComponentFailures, AMissingToolIsAFailureWithoutADescription) {
     tool.TakeToolAway();
     EXPECT_EQ(EnumerationError(), Failed("SWU_Patchkeeper_Unknown"));
     EXPECT_EQ(gComponentList.size(), 0U);
@@ -362,4 +364,30 @@ TEST_F(ComponentOddities, CO7_LinesOfErrorOutputAreComponents) {
     const CIMInstanceArray instances = Enumerate();
     ASSERT_EQ(instances.size(), 2U);
     EXPECT_EQ(ValueOf(instances[1], "Name"), "cannot read cache");
+}
+
+TEST_F(ComponentOddities, CO8_GetInstanceNeverListsAnew) {
+    Enumerate();
+    Prints("x\n");
+    tool.ForgetCalls();
+    EXPECT_EQ(ValueOf(Get("0"), "Name"), "a");
+    EXPECT_THAT(tool.Calls(), IsEmpty());
+}
+
+TEST_F(ComponentOddities, CO9_NamesReachTheShellUnquoted) {
+    SelectComponentsOf("a'b c'", "$((1+1))");
+    Prints("two 'words and' $((3+4))\n");
+    Enumerate();
+    Choose("0");
+    AvaliableUpdate update;
+    update.Name = "N";
+    update.Version = "V";
+    tool.PlaysOtherwise(ToolAnswer());
+    update.Apply();
+    WaitForBackgroundTasks();
+    EXPECT_THAT(tool.Calls(),
+                ElementsAre(ElementsAre("/qv/bin/patchkeeper", "--components", "ab c", "2"),
+                            ElementsAre("/qv/bin/patchkeeper", "--setinprogress"),
+                            ElementsAre("/qv/bin/patchkeeper", "--apply", "N", "V", "two",
+                                        "words and", "7")));
 }

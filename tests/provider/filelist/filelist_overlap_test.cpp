@@ -1,7 +1,5 @@
 #include "FileListTest.hpp"
 
-#include <functional>
-
 using namespace OpenWBEM;
 using test_support::ToolAnswer;
 using testing::ElementsAre;
@@ -36,19 +34,6 @@ TEST_F(FileListOverlap, NothingIsLockedWhileTheToolRuns) {
 }
 
 TEST_F(FileListOverlap, EverythingAtOnceGivesEveryCallItsOwnAnswer) {
-    const auto together = [](const std::vector<std::function<void()>>& actions) {
-        std::vector<std::thread> threads;
-        for (const auto& action : actions) {
-            threads.emplace_back([&action] {
-                for (int i = 0; i < 5; ++i) {
-                    action();
-                }
-            });
-        }
-        for (std::thread& thread : threads) {
-            thread.join();
-        }
-    };
     const auto enumerate = [&] {
         const std::size_t count = calls.EnumInstances(FILE_LIST).size();
         EXPECT_TRUE(count == 4 || count == 2) << count;
@@ -61,5 +46,5 @@ TEST_F(FileListOverlap, EverythingAtOnceGivesEveryCallItsOwnAnswer) {
         Holds({{"vim", "9.0"}});
         Holds({{"vim", "9.0"}, {"bash", "5"}});
     };
-    together({enumerate, enumerate, files, references, replace});
+    SideBySide({enumerate, enumerate, files, references, replace}, 5);
 }

@@ -147,7 +147,7 @@ TEST_F(FileNameList, ACommandLineThatIsTooLongIsAFailure) {
     EXPECT_FALSE(list.hasObject());
 }
 
-TEST_F(FileNameList, AMissingTool) {
+TEST_F(FileNameList, AMissingToolIsAFailureWithoutADescription) {
     tool.TakeToolAway();
     EXPECT_EQ(Fill(), Failed("SWU_Patchkeeper_Unknown"));
     EXPECT_TRUE(log->Contains("INFO: Executing: /qv/bin/patchkeeper --errors 127"));
@@ -168,7 +168,7 @@ protected:
         Failed("Too many records: more than 65535 names from /qv/bin/patchkeeper --files p-1");
 };
 
-TEST_F(FileNameLimit, AsManyNamesAsTheCursorReaches) {
+TEST_F(FileNameLimit, AsManyNamesAsTheCursorReachesAreRead) {
     PrintsNames(65535);
     EXPECT_EQ(Fill().number, 0);
     const std::vector<std::string> names = NamesOf(list);

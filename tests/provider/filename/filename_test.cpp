@@ -122,11 +122,9 @@ TEST_F(FileName, TheAssociationsFormIsAKey) {
 }
 
 TEST_F(FileName, AHandlerThatThrowsEndsTheEnumeration) {
-    class Thrower : public CIMInstanceResultHandlerIFC {
-        void doHandle(const CIMInstance&) override { OW_THROWCIM(CIMException::ACCESS_DENIED); }
-    } thrower;
+    RefusingResult refusing;
     Prints("one\n");
-    EXPECT_EQ(CimErrorOf([&] { calls.EnumInstances(FILE_NAMES, thrower); }).number, 2);
+    EXPECT_EQ(CimErrorOf([&] { calls.EnumInstances(FILE_NAMES, refusing); }).number, 2);
     EXPECT_EQ(calls.EnumInstances(FILE_NAMES).size(), 1U);
 }
 
@@ -170,6 +168,22 @@ TEST_F(FileNameProviderOddities, FN8_MethodsAreNotSupportedRatherThanNotFound) {
                                             CIMParamValueArray(), out);
                   }),
                   NotSupported());
+    }
+    EXPECT_THAT(tool.Calls(), IsEmpty());
+}
+
+TEST_F(FileNameProviderOddities, FN9_NoOperationLooksForTheFileOfAnInstance) {
+    Prints("one\n");
+    const CIMInstance instance = Get("one");
+    tool.ForgetCalls();
+    FileNameRecord record;
+    provider.getFileNameWithCIMInstance(instance, record);
+    EXPECT_EQ(tool.Calls().size(), 1U);
+    tool.ForgetCalls();
+    // Neither the file of an instance is looked for, nor is one without a key missed.
+    for (const CIMInstance& given : {instance, CIMInstance(FILE_NAMES)}) {
+        EXPECT_EQ(CimErrorOf([&] { calls.CreateInstance(given); }), NotSupported());
+        EXPECT_EQ(CimErrorOf([&] { calls.ModifyInstance(given); }), NotSupported());
     }
     EXPECT_THAT(tool.Calls(), IsEmpty());
 }

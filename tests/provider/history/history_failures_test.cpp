@@ -1,12 +1,8 @@
 #include "HistoryTest.hpp"
 
-#include <cerrno>
 #include <csignal>
-#include <filesystem>
-#include <iterator>
 
 #include <sys/resource.h>
-#include <sys/wait.h>
 
 using namespace OpenWBEM;
 using test_support::CimError;
@@ -17,15 +13,6 @@ using test_support::ToolAnswer;
 using testing::ElementsAre;
 
 namespace {
-
-std::size_t OpenDescriptors() {
-    const std::filesystem::directory_iterator descriptors("/proc/self/fd");
-    return static_cast<std::size_t>(std::distance(begin(descriptors), end(descriptors)));
-}
-
-bool NoChildIsLeft() {
-    return waitpid(-1, nullptr, WNOHANG) == -1 && errno == ECHILD;
-}
 
 // No program can be started while this lives: nothing can be opened.
 class NoMoreDescriptors {
@@ -68,8 +55,7 @@ protected:
     }
 
     static std::string MissingField(const std::string& field) {
-        return "Failed to parse " + field + " field from /qv/bin/patchkeeper --hist\n" +
-               "#SWU_Error_ParsingFailed," + field + ",/qv/bin/patchkeeper --hist#";
+        return FailureToParse(field, "/qv/bin/patchkeeper --hist");
     }
 
 private:
@@ -86,7 +72,7 @@ TEST_F(HistoryFailures, AFailingToolIsDescribedAndLeavesNothing) {
     EXPECT_TRUE(gHistoryList.empty());
 }
 
-TEST_F(HistoryFailures, AMissingTool) {
+TEST_F(HistoryFailures, AMissingToolIsAFailureWithoutADescription) {
     tool.TakeToolAway();
     EXPECT_EQ(Enumerate(), Failed("SWU_Patchkeeper_Unknown"));
     EXPECT_TRUE(log->Contains("INFO: Executing: /qv/bin/patchkeeper --errors 127"));
@@ -155,23 +141,23 @@ TEST_F(HistoryFailures, AShortLineKeepsTheRecordsBeforeIt) {
         ElementsAre("INFO: Executing: /qv/bin/patchkeeper --hist",
                     "ERROR: Failed to parse Description field from /qv/bin/patchkeeper --hist",
                     "INFO: Exception: " + MissingField("Description")));
-    EXPECT_EQ(Value(Get("1"), "Name"), "b");
+    EXPECT_EQ(ValueOf(Get("1"), "Name"), "b");
     EXPECT_EQ(CimErrorOf([&] { Get("2"); }), NotFound());
 }
 
 TEST_F(HistoryFailures, FieldsBeyondTheSixthAreIgnored) {
     Prints("n\tv\td\tc\tThu Jan  2 03:04:05 UTC 2025\tRemovable\tmore\tand more\n");
-    EXPECT_EQ(Value(calls.EnumInstances(HISTORY)[0], "Removeable"), "true");
+    EXPECT_EQ(ValueOf(calls.EnumInstances(HISTORY)[0], "Removeable"), "true");
 }
 
 TEST_F(HistoryFailures, TheLastLineNeedsNoNewline) {
     Prints("n\tv\td\tc\tThu Jan  2 03:04:05 UTC 2025\tRemovable");
-    EXPECT_EQ(Value(calls.EnumInstances(HISTORY)[0], "Removeable"), "true");
+    EXPECT_EQ(ValueOf(calls.EnumInstances(HISTORY)[0], "Removeable"), "true");
 }
 
 TEST_F(HistoryFailures, ACarriageReturnIsPartOfTheLastField) {
     Prints("n\tv\td\tc\tThu Jan  2 03:04:05 UTC 2025\tRemovable\r\n");
-    EXPECT_EQ(Value(calls.EnumInstances(HISTORY)[0], "Removeable"), "false");
+    EXPECT_EQ(ValueOf(calls.EnumInstances(HISTORY)[0], "Removeable"), "false");
 }
 
 TEST_F(HistoryFailures, ALineOf1023BytesIsReadWhole) {
@@ -179,8 +165,8 @@ TEST_F(HistoryFailures, ALineOf1023BytesIsReadWhole) {
     Prints(std::string(1023 - rest.size(), 'n') + rest + Line("next", "1"));
     const CIMInstanceArray instances = calls.EnumInstances(HISTORY);
     ASSERT_EQ(instances.size(), 2U);
-    EXPECT_EQ(Value(instances[0], "Name"), std::string(1023 - rest.size(), 'n'));
-    EXPECT_EQ(Value(instances[1], "InstanceID"), "1");
+    EXPECT_EQ(ValueOf(instances[0], "Name"), std::string(1023 - rest.size(), 'n'));
+    EXPECT_EQ(ValueOf(instances[1], "InstanceID"), "1");
 }
 
 TEST_F(HistoryFailures, ALineOf1024BytesLosesItsNewlineToALineOfItsOwn) {
@@ -197,15 +183,15 @@ TEST_F(HistoryFailures, AZeroByteEndsItsLine) {
 
 TEST_F(HistoryFailures, AnyBytesPassAsText) {
     Prints(Line("\xff\xc3\x01", "5"));
-    EXPECT_EQ(Value(calls.EnumInstances(HISTORY)[0], "Name"), "\xff\xc3\x01");
+    EXPECT_EQ(ValueOf(calls.EnumInstances(HISTORY)[0], "Name"), "\xff\xc3\x01");
 }
 
 TEST_F(HistoryFailures, DuplicateRecordsStandSideBySide) {
     Prints(Line("n", "1") + Line("n", "1"));
     const CIMInstanceArray instances = calls.EnumInstances(HISTORY);
     ASSERT_EQ(instances.size(), 2U);
-    EXPECT_EQ(Value(instances[0], "InstanceID"), "0");
-    EXPECT_EQ(Value(instances[1], "InstanceID"), "1");
+    EXPECT_EQ(ValueOf(instances[0], "InstanceID"), "0");
+    EXPECT_EQ(ValueOf(instances[1], "InstanceID"), "1");
 }
 
 TEST_F(HistoryFailures, AnUnreadableDateIsTheLibrarysException) {
@@ -216,10 +202,8 @@ TEST_F(HistoryFailures, AnUnreadableDateIsTheLibrarysException) {
 }
 
 TEST_F(HistoryFailures, AHandlerThatThrowsEndsTheEnumeration) {
-    class Thrower : public CIMInstanceResultHandlerIFC {
-        void doHandle(const CIMInstance&) override { OW_THROWCIM(CIMException::ACCESS_DENIED); }
-    } thrower;
-    EXPECT_EQ(CimErrorOf([&] { calls.EnumInstances(HISTORY, thrower); }).number, 2);
+    RefusingResult refusing;
+    EXPECT_EQ(CimErrorOf([&] { calls.EnumInstances(HISTORY, refusing); }).number, 2);
 }
 
 // The positions are 16-bit numbers.
@@ -241,7 +225,7 @@ protected:
         Failed("Too many records: more than 65535 lines from /qv/bin/patchkeeper --hist");
 };
 
-TEST_F(HistoryLimit, AsManyRecordsAsCanBeNumbered) {
+TEST_F(HistoryLimit, AsManyRecordsAsCanBeNumberedAreRead) {
     PrintsLines(65535);
     EXPECT_EQ(calls.EnumInstanceNames(HISTORY).size(), 65535U);
 }

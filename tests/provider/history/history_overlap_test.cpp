@@ -1,31 +1,10 @@
 #include "HistoryTest.hpp"
 
-#include <functional>
-
 using namespace OpenWBEM;
 using test_support::CimErrorOf;
 using test_support::Failed;
 using test_support::ToolAnswer;
 using testing::ElementsAre;
-
-namespace {
-
-// Runs the actions side by side, each the given number of times.
-void RunTogether(const std::vector<std::function<void()>>& actions, int times) {
-    std::vector<std::thread> threads;
-    for (const auto& action : actions) {
-        threads.emplace_back([&action, times] {
-            for (int i = 0; i < times; ++i) {
-                action();
-            }
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-}
-
-} // namespace
 
 class HistoryOverlap : public HistoryTest {
 protected:
@@ -47,31 +26,18 @@ TEST_F(HistoryOverlap, EverythingAtOnceGivesEveryCallItsOwnAnswer) {
         const CIMInstanceArray instances = calls.EnumInstances(HISTORY);
         ASSERT_EQ(instances.size(), SIZE + 0U);
         for (std::size_t i = 0; i < SIZE; ++i) {
-            ASSERT_EQ(Value(instances[i], "Name"), "update" + std::to_string(i));
+            ASSERT_EQ(ValueOf(instances[i], "Name"), "update" + std::to_string(i));
         }
     };
     const auto names = [&] { ASSERT_EQ(calls.EnumInstanceNames(HISTORY).size(), SIZE + 0U); };
-    const auto get = [&] { ASSERT_EQ(Value(Get("7"), "Name"), "update7"); };
+    const auto get = [&] { ASSERT_EQ(ValueOf(Get("7"), "Name"), "update7"); };
     const auto remove = [&] { ASSERT_EQ(Invoke("7", "Remove"), CIMValue(true)); };
-    RunTogether({enumerate, enumerate, names, get, get, remove}, 10);
+    SideBySide({enumerate, enumerate, names, get, get, remove}, 10);
 }
 
 TEST_F(HistoryOverlap, AnEnumerationKeepsItsRecordsWhileAnotherReplacesTheList) {
     // In the middle of the first enumeration a second one replaces the list by an empty one.
-    class Interrupted : public CIMInstanceResultHandlerIFC {
-    public:
-        explicit Interrupted(std::function<void()> interruption)
-            : interruption_(std::move(interruption)) {}
-        std::size_t handled = 0;
-
-    private:
-        void doHandle(const CIMInstance&) override {
-            if (handled++ == 3) {
-                interruption_();
-            }
-        }
-        std::function<void()> interruption_;
-    } result([&] {
+    InterruptedResult result([&] {
         Prints("");
         EXPECT_TRUE(calls.EnumInstances(HISTORY).empty());
     });
@@ -83,10 +49,10 @@ TEST_F(HistoryOverlap, NothingIsLockedWhileTheToolRuns) {
     tool.Plays("--hist", ToolAnswer().Output(Line("late", "1")).Held());
     std::thread slow([&] { EXPECT_EQ(calls.EnumInstances(HISTORY).size(), 1U); });
     EXPECT_TRUE(tool.WaitForCalls(1));
-    EXPECT_EQ(Value(Get("7"), "Name"), "update7");
+    EXPECT_EQ(ValueOf(Get("7"), "Name"), "update7");
     tool.Release("--hist");
     slow.join();
-    EXPECT_EQ(Value(Get("0"), "Name"), "late");
+    EXPECT_EQ(ValueOf(Get("0"), "Name"), "late");
 }
 
 // The roll-back, which goes on after the call.
@@ -138,6 +104,6 @@ TEST_F(HistoryRollBack, TheListStaysAsItIs) {
     tool.Plays("--rback", ToolAnswer());
     Invoke("0", "Remove");
     WaitForBackgroundTasks();
-    EXPECT_EQ(Value(Get("0"), "Name"), "vim");
+    EXPECT_EQ(ValueOf(Get("0"), "Name"), "vim");
     EXPECT_EQ(tool.Calls().size(), 2U);
 }

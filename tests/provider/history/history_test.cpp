@@ -37,12 +37,12 @@ TEST_F(History, AnInstancePerLineWithItsSevenProperties) {
     const CIMInstanceArray instances = calls.EnumInstances(HISTORY);
     ASSERT_EQ(instances.size(), 2U);
     EXPECT_EQ(Text(instances[0].getClassName()), "ZNX_HistorySoftwareUpdate");
-    EXPECT_THAT(Properties(instances[0]),
+    EXPECT_THAT(PropertiesOf(instances[0]),
                 ElementsAre("string InstanceID=0", "string Name=openssl",
                             "string VersionString=3.0.17", "string ShortDescription=Security fixes",
                             "string Category=Security", "datetime Date=20250102030405.000000+000",
                             "boolean Removeable=true"));
-    EXPECT_THAT(Properties(instances[1]),
+    EXPECT_THAT(PropertiesOf(instances[1]),
                 ElementsAre("string InstanceID=1", "string Name=kernel",
                             "string VersionString=6.1.140-1", "string ShortDescription=New kernel",
                             "string Category=System update",
@@ -87,7 +87,7 @@ TEST_F(History, OnlyTheExactWordIsRemovable) {
     const CIMInstanceArray instances = calls.EnumInstances(HISTORY);
     ASSERT_EQ(instances.size(), words.size());
     for (std::size_t i = 0; i < words.size(); ++i) {
-        EXPECT_EQ(Value(instances[i], "Removeable"), words[i] == "Removable" ? "true" : "false")
+        EXPECT_EQ(ValueOf(instances[i], "Removeable"), words[i] == "Removable" ? "true" : "false")
             << words[i];
     }
 }
@@ -95,7 +95,7 @@ TEST_F(History, OnlyTheExactWordIsRemovable) {
 TEST_F(History, TheListIsThatOfTheLastEnumeration) {
     calls.EnumInstances(HISTORY);
     Lists(Line("vim", "9"));
-    EXPECT_EQ(Value(Get("0"), "Name"), "vim");
+    EXPECT_EQ(ValueOf(Get("0"), "Name"), "vim");
     EXPECT_EQ(CimErrorOf([&] { Get("1"); }), NotFound());
     EXPECT_EQ(CimErrorOf([&] { Invoke("1", "Remove"); }), NotFound());
     EXPECT_THAT(tool.Calls(), IsEmpty());
@@ -143,7 +143,7 @@ TEST_F(History, InitializeAndCleanupTouchNothing) {
     Lists(Line("vim", "9"));
     provider.cleanup();
     provider.initialize(env);
-    EXPECT_EQ(Value(Get("0"), "Name"), "vim");
+    EXPECT_EQ(ValueOf(Get("0"), "Name"), "vim");
     EXPECT_THAT(tool.Calls(), IsEmpty());
     EXPECT_THAT(log->All(), IsEmpty());
 }
@@ -156,23 +156,15 @@ protected:
         tool.Plays("--errors", ToolAnswer().Output("It failed.\n"));
         Lists(Line("vim", "9") + Line("bash", "5"));
     }
-
-    static StringArray Names(std::initializer_list<const char*> names) {
-        StringArray list;
-        for (const char* const name : names) {
-            list.push_back(name);
-        }
-        return list;
-    }
 };
 
 TEST_F(HistoryDescription, IsAllThatTheToolPrints) {
     const StringArray wanted = Names({"UpdateDescription"});
     const CIMInstance instance = Get("1", &wanted);
-    EXPECT_EQ(Value(instance, "UpdateDescription"), "First line.\n\n\tLast line.\n");
+    EXPECT_EQ(ValueOf(instance, "UpdateDescription"), "First line.\n\n\tLast line.\n");
     EXPECT_EQ(Text(instance.getProperty("UpdateDescription").getDataType().toString()), "string");
-    EXPECT_EQ(Properties(instance).size(), 8U);
-    EXPECT_EQ(Properties(instance).back().substr(0, 24), "string UpdateDescription");
+    EXPECT_EQ(PropertiesOf(instance).size(), 8U);
+    EXPECT_EQ(PropertiesOf(instance).back().substr(0, 24), "string UpdateDescription");
     EXPECT_THAT(tool.Calls(), ElementsAre(ElementsAre("/qv/bin/patchkeeper", "-l", "bash-5")));
     EXPECT_THAT(log->All(), ElementsAre("INFO: Executing: /qv/bin/patchkeeper -l bash-5"));
 }
@@ -187,16 +179,16 @@ TEST_F(HistoryDescription, IsFetchedForEveryRecordOfAnEnumeration) {
 
 TEST_F(HistoryDescription, IsNotFetchedForOtherNames) {
     const StringArray others = Names({"updatedescription", "UpdateDescription ", "Name", ""});
-    EXPECT_EQ(Properties(Get("0", &others)).size(), 7U);
+    EXPECT_EQ(PropertiesOf(Get("0", &others)).size(), 7U);
     const StringArray none;
-    EXPECT_EQ(Properties(Get("0", &none)).size(), 7U);
+    EXPECT_EQ(PropertiesOf(Get("0", &none)).size(), 7U);
     EXPECT_THAT(tool.Calls(), IsEmpty());
 }
 
 TEST_F(HistoryDescription, MayBeEmpty) {
     tool.Plays("-l", ToolAnswer());
     const StringArray wanted = Names({"UpdateDescription"});
-    EXPECT_EQ(Value(Get("0", &wanted), "UpdateDescription"), "");
+    EXPECT_EQ(ValueOf(Get("0", &wanted), "UpdateDescription"), "");
 }
 
 TEST_F(HistoryDescription, AnUnreadableDateComesBeforeIt) {
@@ -253,7 +245,7 @@ TEST_F(HistoryOddities, HI5_LinesOfErrorOutputAreRecords) {
     tool.Plays("--hist", ToolAnswer().Output(Line("bash", "5")).ErrorText(Line("warning", "1")));
     const CIMInstanceArray instances = calls.EnumInstances(HISTORY);
     ASSERT_EQ(instances.size(), 2U);
-    EXPECT_EQ(Value(instances[1], "Name"), "warning");
+    EXPECT_EQ(ValueOf(instances[1], "Name"), "warning");
 }
 
 TEST_F(HistoryOddities, HI6_AllPropertiesDoNotIncludeTheDescription) {
@@ -263,14 +255,14 @@ TEST_F(HistoryOddities, HI6_AllPropertiesDoNotIncludeTheDescription) {
 
 TEST_F(HistoryOddities, HI7_NamedTwiceTheDescriptionIsFetchedTwice) {
     const StringArray wanted = Names({"UpdateDescription", "UpdateDescription"});
-    EXPECT_EQ(Properties(Get("0", &wanted)).size(), 8U);
+    EXPECT_EQ(PropertiesOf(Get("0", &wanted)).size(), 8U);
     EXPECT_THAT(tool.CommandLines(),
                 ElementsAre("/qv/bin/patchkeeper -l vim-9", "/qv/bin/patchkeeper -l vim-9"));
 }
 
 TEST_F(HistoryOddities, HI8_GetInstanceNeverListsAnew) {
     Prints(Line("other", "1"));
-    EXPECT_EQ(Value(Get("0"), "Name"), "vim");
+    EXPECT_EQ(ValueOf(Get("0"), "Name"), "vim");
     EXPECT_THAT(tool.Calls(), IsEmpty());
 }
 

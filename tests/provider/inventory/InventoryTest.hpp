@@ -35,14 +35,3 @@ protected:
     InventoryProvider provider;
     test_support::Calls calls{provider, env};
 };
-
-// "Name=value" of each property, in the order of the instance.
-inline std::vector<std::string> Properties(const OpenWBEM::CIMInstance& instance) {
-    std::vector<std::string> result;
-    const OpenWBEM::CIMPropertyArray properties = instance.getProperties();
-    for (const OpenWBEM::CIMProperty& property : properties) {
-        result.push_back(std::string(property.getDataType().toString().c_str()) + " " +
-                         property.getName().c_str() + "=" + property.getValue().toString().c_str());
-    }
-    return result;
-}

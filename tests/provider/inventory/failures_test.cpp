@@ -1,12 +1,8 @@
 #include "InventoryTest.hpp"
 
-#include <cerrno>
 #include <csignal>
-#include <filesystem>
-#include <iterator>
 
 #include <malloc.h>
-#include <sys/wait.h>
 
 using namespace OpenWBEM;
 using test_support::CimError;
@@ -18,19 +14,10 @@ using testing::ElementsAre;
 
 namespace {
 
-std::size_t OpenDescriptors() {
-    const std::filesystem::directory_iterator descriptors("/proc/self/fd");
-    return static_cast<std::size_t>(std::distance(begin(descriptors), end(descriptors)));
-}
-
 // What is allocated and not given back. The address sanitizer's allocator tells nothing here, but
 // has its own look for leaks at the end.
 std::size_t AllocatedBytes() {
     return mallinfo2().uordblks;
-}
-
-bool NoChildIsLeft() {
-    return waitpid(-1, nullptr, WNOHANG) == -1 && errno == ECHILD;
 }
 
 } // namespace
@@ -60,8 +47,7 @@ protected:
     }
 
     static std::string MissingField(const std::string& field) {
-        return "Failed to parse " + field + " field from /qv/bin/patchkeeper \n" +
-               "#SWU_Error_ParsingFailed," + field + ",/qv/bin/patchkeeper #";
+        return FailureToParse(field, "/qv/bin/patchkeeper ");
     }
 
 private:
@@ -86,7 +72,7 @@ TEST_F(InventoryFailures, EveryEnumerationFailsAlike) {
     EXPECT_EQ(CimErrorOf([&] { calls.EnumInstanceNames(CARTRIDGE); }), error);
 }
 
-TEST_F(InventoryFailures, AMissingTool) {
+TEST_F(InventoryFailures, AMissingToolIsAFailureWithoutADescription) {
     tool.TakeToolAway();
     EXPECT_EQ(Enumerate(), Failed("SWU_Patchkeeper_Unknown"));
     EXPECT_THAT(log->All(), ElementsAre("INFO: Executing: /qv/bin/patchkeeper ",
@@ -94,14 +80,14 @@ TEST_F(InventoryFailures, AMissingTool) {
                                         "INFO: Exception: SWU_Patchkeeper_Unknown"));
 }
 
-TEST_F(InventoryFailures, AToolThatIsNotExecutable) {
+TEST_F(InventoryFailures, AToolThatIsNotExecutableIsAFailureWithoutADescription) {
     tool.MakeToolNotExecutable();
     EXPECT_EQ(Enumerate(), Failed("SWU_Patchkeeper_Unknown"));
     EXPECT_TRUE(log->Contains("INFO: Executing: /qv/bin/patchkeeper --errors 126"));
 }
 
 // Debian's shell waits for the tool and turns the signal into an exit code.
-TEST_F(InventoryFailures, AKilledTool) {
+TEST_F(InventoryFailures, AKilledToolFailsWith128AndItsSignal) {
     tool.Plays("", ToolAnswer().Output(Line("vim", "9")).DiesBySignal(SIGKILL));
     EXPECT_EQ(Enumerate(), Failed("A description.\n\n#SWU_Patchkeeper_Unknown#"));
     EXPECT_TRUE(log->Contains("INFO: Executing: /qv/bin/patchkeeper --errors 137"));
@@ -145,6 +131,29 @@ TEST_F(InventoryFailures, TheLastLineNeedsNoNewline) {
     EXPECT_EQ(Enumerate().number, 0);
 }
 
+TEST_F(InventoryFailures, ALineOf1023BytesIsReadWhole) {
+    const std::string rest = Line("", "5");
+    const std::string name(1023 - rest.size(), 'n');
+    Prints(Line(name, "5"));
+    const CIMInstanceArray instances = calls.EnumInstances(IDENTITY);
+    ASSERT_EQ(instances.size(), 1U);
+    EXPECT_EQ(ValueOf(instances[0], "Name"), name);
+}
+
+TEST_F(InventoryFailures, ALineOf1024BytesLosesItsNewlineToALineOfItsOwn) {
+    Prints(Line(std::string(1024 - Line("", "5").size(), 'n'), "5"));
+    EXPECT_EQ(Enumerate(), Failed(MissingField("Name")));
+    EXPECT_EQ(ValueOf(Get("0"), "PackageVersion"), "5");
+}
+
+TEST_F(InventoryFailures, DuplicateRecordsStandSideBySide) {
+    Prints(Line("bash", "5") + Line("bash", "5"));
+    const CIMInstanceArray instances = calls.EnumInstances(IDENTITY);
+    ASSERT_EQ(instances.size(), 2U);
+    EXPECT_EQ(ValueOf(instances[0], "InstanceID"), "0");
+    EXPECT_EQ(ValueOf(instances[1], "InstanceID"), "1");
+}
+
 TEST_F(InventoryFailures, ALineOfMoreThan1023CharactersFallsApart) {
     Prints(Line(std::string(1100, 'n'), "5"));
     EXPECT_EQ(Enumerate(), Failed(MissingField("Version")));
@@ -155,6 +164,12 @@ TEST_F(InventoryFailures, AnyBytesPassAsText) {
     const CIMInstanceArray instances = calls.EnumInstances(IDENTITY);
     EXPECT_EQ(instances[0].getPropertyValue("Name"), CIMValue("\xff\xc3\x01"));
     EXPECT_EQ(instances[1].getPropertyValue("Name"), CIMValue("a\r"));
+}
+
+TEST_F(InventoryFailures, ACarriageReturnBehindTheDateIsWhiteSpace) {
+    Prints("bash\t5\tOther\tThu Jan  2 03:04:05 UTC 2025\r\n");
+    EXPECT_EQ(ValueOf(calls.EnumInstances(IDENTITY)[0], "InstalledDate"),
+              "20250102030405.000000+000");
 }
 
 TEST_F(InventoryFailures, AZeroByteEndsItsLine) {
@@ -184,7 +199,7 @@ TEST_F(InventoryFailures, TenMegabytesOfGarbageLackAField) {
     EXPECT_EQ(Enumerate(), Failed(MissingField("Version")));
 }
 
-TEST_F(InventoryFailures, AManyMegabytesLongDescription) {
+TEST_F(InventoryFailures, AManyMegabytesLongDescriptionIsHandedOverWhole) {
     tool.Plays("", ToolAnswer().ExitCode(11));
     const std::string description(10'000'000, 'd');
     tool.Plays("--errors", ToolAnswer().Output(description));
@@ -192,10 +207,8 @@ TEST_F(InventoryFailures, AManyMegabytesLongDescription) {
 }
 
 TEST_F(InventoryFailures, AHandlerThatThrowsEndsTheEnumeration) {
-    class Thrower : public CIMInstanceResultHandlerIFC {
-        void doHandle(const CIMInstance&) override { OW_THROWCIM(CIMException::ACCESS_DENIED); }
-    } thrower;
-    EXPECT_EQ(CimErrorOf([&] { calls.EnumInstances(IDENTITY, thrower); }).number, 2);
+    RefusingResult refusing;
+    EXPECT_EQ(CimErrorOf([&] { calls.EnumInstances(IDENTITY, refusing); }).number, 2);
 }
 
 TEST_F(InventoryFailures, TwoHundredFailuresLeaveNothingBehind) {

@@ -14,14 +14,6 @@ using test_support::ToolAnswer;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-namespace {
-
-std::string Value(const CIMInstance& instance, const char* name) {
-    return instance.getPropertyValue(name).toString().c_str();
-}
-
-} // namespace
-
 class Inventory : public InventoryTest {
 protected:
     Inventory() {
@@ -35,12 +27,12 @@ TEST_F(Inventory, AnInstancePerLineWithItsSixProperties) {
     const CIMInstanceArray instances = calls.EnumInstances(IDENTITY);
     ASSERT_EQ(instances.size(), 2U);
     EXPECT_EQ(Text(instances[0].getClassName()), IDENTITY);
-    EXPECT_THAT(Properties(instances[0]),
+    EXPECT_THAT(PropertiesOf(instances[0]),
                 ElementsAre("string InstanceID=0", "string Name=bash",
                             "string PackageVersion=5.2.15-2+b2",
                             "string RevisionNumber=5.2.15-2+b2", "uint16 Classifications=8",
                             "datetime InstalledDate=20250102030405.000000+000"));
-    EXPECT_THAT(Properties(instances[1]),
+    EXPECT_THAT(PropertiesOf(instances[1]),
                 ElementsAre("string InstanceID=1", "string Name=zlib1g",
                             "string PackageVersion=1:1.2.13", "string RevisionNumber=1:1.2.13",
                             "uint16 Classifications=0",
@@ -80,7 +72,7 @@ TEST_F(Inventory, EachEnumerationRunsTheToolWithoutAnArgument) {
 
 TEST_F(Inventory, GetInstanceAnswersWithTheSameInstance) {
     const CIMInstanceArray instances = calls.EnumInstances(IDENTITY);
-    EXPECT_EQ(Properties(Get("1")), Properties(instances[1]));
+    EXPECT_EQ(PropertiesOf(Get("1")), PropertiesOf(instances[1]));
     EXPECT_EQ(CIMObjectPath("root/cimv2", Get("0")), PathOf(IDENTITY, "InstanceID", "0"));
 }
 
@@ -107,8 +99,8 @@ TEST_F(Inventory, GetInstanceRefusesPathsThatNameNoRecord) {
 TEST_F(Inventory, AllPropertiesAreSetWhateverThePropertyListNames) {
     const StringArray nothing;
     const StringArray name(1, "Name");
-    EXPECT_EQ(Properties(calls.EnumInstances(IDENTITY, &nothing)[0]).size(), 6U);
-    EXPECT_EQ(Properties(calls.EnumInstances(IDENTITY, &name)[0]).size(), 6U);
+    EXPECT_EQ(PropertiesOf(calls.EnumInstances(IDENTITY, &nothing)[0]).size(), 6U);
+    EXPECT_EQ(PropertiesOf(calls.EnumInstances(IDENTITY, &name)[0]).size(), 6U);
     EXPECT_EQ(calls.GetInstance(PathOf(IDENTITY, "InstanceID", "0"), &name).getProperties().size(),
               6U);
 }
@@ -117,7 +109,7 @@ TEST_F(Inventory, TheListIsThatOfTheLastEnumeration) {
     calls.EnumInstances(IDENTITY);
     Prints(Line("vim", "9"));
     calls.EnumInstanceNames(CARTRIDGE);
-    EXPECT_EQ(Value(Get("0"), "Name"), "vim");
+    EXPECT_EQ(ValueOf(Get("0"), "Name"), "vim");
     EXPECT_EQ(CimErrorOf([&] { Get("1"); }), NotFound());
 }
 
@@ -149,7 +141,7 @@ TEST_F(Inventory, ClassificationsFollowTheTable) {
     ASSERT_EQ(instances.size(), table.size());
     std::size_t i = 0;
     for (const auto& [text, value] : table) {
-        EXPECT_EQ(Value(instances[i++], "Classifications"), value) << text;
+        EXPECT_EQ(ValueOf(instances[i++], "Classifications"), value) << text;
     }
 }
 
@@ -187,22 +179,12 @@ TEST_F(Cartridge, IsThePackageWithTheConfiguredName) {
     const CIMInstanceArray instances = calls.EnumInstances(CARTRIDGE);
     ASSERT_EQ(instances.size(), 1U);
     EXPECT_EQ(Text(instances[0].getClassName()), CARTRIDGE);
-    EXPECT_THAT(Properties(instances[0]), ElementsAre("string Version=3.1"));
+    EXPECT_THAT(PropertiesOf(instances[0]), ElementsAre("string Version=3.1"));
 }
 
 TEST_F(Cartridge, IsNamedByDefault) {
     Prints(Line("znxliteEMcartridge", "7"));
     EXPECT_EQ(calls.EnumInstances(CARTRIDGE).size(), 1U);
-}
-
-TEST_F(Cartridge, VersionIsNoKeyPropertyButTheKeyOfThePath) {
-    Prints(Line("znxliteEMcartridge", "7"));
-    const CIMInstance instance = calls.EnumInstances(CARTRIDGE)[0];
-    EXPECT_FALSE(instance.getProperty("Version").isKey());
-    const CIMObjectPath path("root/cimv2", instance);
-    EXPECT_EQ(path, PathOf(CARTRIDGE, "Version", "7"));
-    EXPECT_EQ(calls.EnumInstanceNames(CARTRIDGE)[0], path);
-    EXPECT_EQ(CIMObjectPath("root/cimv2", calls.GetInstance(path)), path);
 }
 
 TEST_F(Cartridge, WithoutThePackageThereIsNothing) {
@@ -215,8 +197,8 @@ TEST_F(Cartridge, EveryPackageOfTheNameIsEnumerated) {
     Prints(Line("znxliteEMcartridge", "7") + Line("bash", "5") + Line("znxliteEMcartridge", "8"));
     const CIMInstanceArray instances = calls.EnumInstances(CARTRIDGE);
     ASSERT_EQ(instances.size(), 2U);
-    EXPECT_EQ(Value(instances[0], "Version"), "7");
-    EXPECT_EQ(Value(instances[1], "Version"), "8");
+    EXPECT_EQ(ValueOf(instances[0], "Version"), "7");
+    EXPECT_EQ(ValueOf(instances[1], "Version"), "8");
     const CIMObjectPathArray paths = calls.EnumInstanceNames(CARTRIDGE);
     ASSERT_EQ(paths.size(), 2U);
     EXPECT_EQ(paths[1], PathOf(CARTRIDGE, "Version", "8"));
@@ -228,15 +210,15 @@ class InventoryOddities : public InventoryTest {};
 TEST_F(InventoryOddities, IN1_TwoPropertiesCarryTheVersion) {
     Prints(Line("bash", "5.2"));
     const CIMInstance instance = calls.EnumInstances(IDENTITY)[0];
-    EXPECT_EQ(Value(instance, "PackageVersion"), "5.2");
-    EXPECT_EQ(Value(instance, "RevisionNumber"), "5.2");
+    EXPECT_EQ(ValueOf(instance, "PackageVersion"), "5.2");
+    EXPECT_EQ(ValueOf(instance, "RevisionNumber"), "5.2");
 }
 
 TEST_F(InventoryOddities, IN2_LinesOfErrorOutputAreRecords) {
     tool.Plays("", ToolAnswer().Output(Line("bash", "5")).ErrorText(Line("warning", "1")));
     const CIMInstanceArray instances = calls.EnumInstances(IDENTITY);
     ASSERT_EQ(instances.size(), 2U);
-    EXPECT_EQ(Value(instances[1], "Name"), "warning");
+    EXPECT_EQ(ValueOf(instances[1], "Name"), "warning");
 }
 
 TEST_F(InventoryOddities, IN3_ClassificationsIsASingleValue) {
@@ -250,7 +232,7 @@ TEST_F(InventoryOddities, IN4_GetInstanceNeverAsksTheTool) {
     Prints(Line("bash", "5"));
     calls.EnumInstances(IDENTITY);
     Prints(Line("vim", "9"));
-    EXPECT_EQ(Value(Get("0"), "Name"), "bash");
+    EXPECT_EQ(ValueOf(Get("0"), "Name"), "bash");
     EXPECT_EQ(tool.Calls().size(), 1U);
 }
 
@@ -258,7 +240,8 @@ TEST_F(InventoryOddities, IN5_TheFirstCartridgeAnswersForAnyVersion) {
     Prints(Line("znxliteEMcartridge", "7") + Line("znxliteEMcartridge", "8"));
     calls.EnumInstances(CARTRIDGE);
     for (const char* const version : {"7", "8", "9"}) {
-        EXPECT_EQ(Value(calls.GetInstance(PathOf(CARTRIDGE, "Version", version)), "Version"), "7");
+        EXPECT_EQ(ValueOf(calls.GetInstance(PathOf(CARTRIDGE, "Version", version)), "Version"),
+                  "7");
     }
 }
 
@@ -270,4 +253,25 @@ TEST_F(InventoryOddities, IN6_AMissingCartridgeIsAnInvalidParameter) {
     EXPECT_TRUE(log->Contains("ERROR: Missing InstanceID property"));
     const CIMInstance other = calls.GetInstance(PathOf(CARTRIDGE, "InstanceID", "0"));
     EXPECT_EQ(Text(other.getClassName()), "ZNX_SoftwareIdentity");
+}
+
+TEST_F(InventoryOddities, IN7_VersionIsNoKeyPropertyButTheKeyOfThePath) {
+    Prints(Line("znxliteEMcartridge", "7"));
+    const CIMInstance instance = calls.EnumInstances(CARTRIDGE)[0];
+    EXPECT_FALSE(instance.getProperty("Version").isKey());
+    const CIMObjectPath path("root/cimv2", instance);
+    EXPECT_EQ(path, PathOf(CARTRIDGE, "Version", "7"));
+    EXPECT_EQ(calls.EnumInstanceNames(CARTRIDGE)[0], path);
+    EXPECT_EQ(CIMObjectPath("root/cimv2", calls.GetInstance(path)), path);
+}
+
+TEST_F(InventoryOddities, IN8_MethodsAreNotSupportedRatherThanNotFound) {
+    CIMParamValueArray out;
+    for (const char* const method : {"Remove", "Any", ""}) {
+        EXPECT_EQ(CimErrorOf([&] {
+                      provider.invokeMethod(env, "root/cimv2", PathOf(IDENTITY, "InstanceID", "0"),
+                                            method, CIMParamValueArray(), out);
+                  }).number,
+                  7);
+    }
 }

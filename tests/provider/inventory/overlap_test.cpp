@@ -1,29 +1,8 @@
 #include "InventoryTest.hpp"
 
-#include <functional>
-
 using namespace OpenWBEM;
 using test_support::CimErrorOf;
 using test_support::ToolAnswer;
-
-namespace {
-
-// Runs the actions side by side, each the given number of times.
-void RunTogether(const std::vector<std::function<void()>>& actions, int times) {
-    std::vector<std::thread> threads;
-    for (const auto& action : actions) {
-        threads.emplace_back([&action, times] {
-            for (int i = 0; i < times; ++i) {
-                action();
-            }
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-}
-
-} // namespace
 
 class InventoryOverlap : public InventoryTest {
 protected:
@@ -71,27 +50,14 @@ TEST_F(InventoryOverlap, EverythingAtOnceGivesEveryCallItsOwnAnswer) {
         };
     };
     const auto background = [] { SpawnBackgroundThread("/qv/bin/patchkeeper --apply"); };
-    RunTogether({enumerate, enumerate, names, cartridges, get, get, failureOf("B"),
-                 failureOf("Other"), background},
-                20);
+    SideBySide({enumerate, enumerate, names, cartridges, get, get, failureOf("B"),
+                failureOf("Other"), background},
+               20);
 }
 
 TEST_F(InventoryOverlap, AnEnumerationKeepsItsRecordsWhileAnotherReplacesTheList) {
     // In the middle of the first enumeration a second one replaces the list by an empty one.
-    class Interrupted : public CIMInstanceResultHandlerIFC {
-    public:
-        explicit Interrupted(std::function<void()> interruption)
-            : interruption_(std::move(interruption)) {}
-        std::size_t handled = 0;
-
-    private:
-        void doHandle(const CIMInstance&) override {
-            if (handled++ == 3) {
-                interruption_();
-            }
-        }
-        std::function<void()> interruption_;
-    } result([&] {
+    InterruptedResult result([&] {
         Prints("");
         EXPECT_TRUE(calls.EnumInstances(IDENTITY).empty());
     });
@@ -119,5 +85,5 @@ TEST_F(InventoryOverlap, AFailingEnumerationDoesNotSpoilAnotherOne) {
         // What a failed refresh publishes: nothing.
         ListRefresh<InventoryObject> refresh(gInventoryList);
     };
-    RunTogether({enumerate, enumerate, fail, fail}, 30);
+    SideBySide({enumerate, enumerate, fail, fail}, 30);
 }

@@ -22,7 +22,6 @@ using test_support::NotFound;
 using test_support::PathOf;
 using test_support::ToolAnswer;
 using test_support::ToolDouble;
-using testing::ElementsAre;
 
 namespace {
 

@@ -24,24 +24,24 @@ protected:
     CIMObjectPathArrayBuilder pathResult{paths};
 };
 
-TEST_F(Trace, EnumInstanceNames) {
+TEST_F(Trace, EnumInstanceNamesLogsItsClass) {
     EXPECT_THAT(LinesOf([&] { calls.EnumInstanceNames("ZNX_X"); }),
                 ElementsAre("INFO: ZNX_X.enumInstanceNames()"));
 }
 
-TEST_F(Trace, EnumInstances) {
+TEST_F(Trace, EnumInstancesLogsItsClassAndThePropertyList) {
     EXPECT_THAT(LinesOf([&] { calls.EnumInstances("ZNX_X"); }),
                 ElementsAre("INFO: ZNX_X.enumInstanes()", "INFO: Property list not specified"));
 }
 
-TEST_F(Trace, GetInstance) {
+TEST_F(Trace, GetInstanceLogsItsClassThePathAndThePropertyList) {
     EXPECT_THAT(LinesOf([&] { calls.GetInstance(path); }),
                 ElementsAre("INFO: ZNX_X.getInstance()",
                             "INFO: ObjectPath=/root/cimv2:ZNX_X.InstanceID=\"3\"",
                             "INFO: Property list not specified"));
 }
 
-TEST_F(Trace, DeleteInstance) {
+TEST_F(Trace, DeleteInstanceLogsItsClassAndTheInstance) {
     EXPECT_THAT(LinesOf([&] { calls.DeleteInstance(path); }),
                 ElementsAre("INFO: ZNX_X.deleteInstance()",
                             "INFO: Instance=/root/cimv2:ZNX_X.InstanceID=\"3\""));
@@ -57,7 +57,7 @@ TEST_F(Trace, ModifyInstanceNamesTheClassOfTheModifiedInstance) {
                 ElementsAre("INFO: ZNX_X.modifyInstance()", "INFO: Property list: Install"));
 }
 
-TEST_F(Trace, InvokeMethod) {
+TEST_F(Trace, InvokeMethodLogsItsClassTheMethodAndThePath) {
     CIMParamValueArray out;
     EXPECT_THAT(LinesOf([&] {
                     master.invokeMethod(env, "root/cimv2", path, "Apply", CIMParamValueArray(),
@@ -67,7 +67,7 @@ TEST_F(Trace, InvokeMethod) {
                             "INFO: ObjectPath=/root/cimv2:ZNX_X.InstanceID=\"3\""));
 }
 
-TEST_F(Trace, Associators) {
+TEST_F(Trace, AssociatorsLogsTheAssociationAndThePath) {
     EXPECT_THAT(
         LinesOf([&] {
             master.associators(env, instanceResult, "root/cimv2", path, "A", "R", "Role",
@@ -76,7 +76,7 @@ TEST_F(Trace, Associators) {
         ElementsAre("INFO: A.associator()", "INFO: ObjectPath=/root/cimv2:ZNX_X.InstanceID=\"3\""));
 }
 
-TEST_F(Trace, AssociatorNames) {
+TEST_F(Trace, AssociatorNamesLogsTheAssociationAndThePath) {
     EXPECT_THAT(LinesOf([&] {
                     master.associatorNames(env, pathResult, "root/cimv2", path, "A", "R", "Role",
                                            "ResultRole");
@@ -85,7 +85,7 @@ TEST_F(Trace, AssociatorNames) {
                             "INFO: ObjectPath=/root/cimv2:ZNX_X.InstanceID=\"3\""));
 }
 
-TEST_F(Trace, References) {
+TEST_F(Trace, ReferencesLogsTheResultClassAndThePath) {
     EXPECT_THAT(
         LinesOf([&] {
             master.references(env, instanceResult, "root/cimv2", path, "R", "Role",
@@ -94,7 +94,7 @@ TEST_F(Trace, References) {
         ElementsAre("INFO: R.references()", "INFO: ObjectPath=/root/cimv2:ZNX_X.InstanceID=\"3\""));
 }
 
-TEST_F(Trace, ReferenceNames) {
+TEST_F(Trace, ReferenceNamesLogsTheResultClassAndThePath) {
     EXPECT_THAT(
         LinesOf([&] { master.referenceNames(env, pathResult, "root/cimv2", path, "R", "Role"); }),
         ElementsAre("INFO: R.referenceNames()",

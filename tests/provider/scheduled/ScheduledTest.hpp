@@ -34,8 +34,7 @@ protected:
     }
 
     static std::string MissingField(const std::string& field) {
-        return "Failed to parse " + field + " field from /qv/bin/patchkeeper --sched \n" +
-               "#SWU_Error_ParsingFailed," + field + ",/qv/bin/patchkeeper --sched #";
+        return FailureToParse(field, "/qv/bin/patchkeeper --sched ");
     }
 };
 
@@ -75,19 +74,4 @@ inline std::vector<std::string> IdentifiersOf(ScheduledUpdate_ObjectList& list) 
     }
     list.end();
     return identifiers;
-}
-
-inline std::string Value(const OpenWBEM::CIMInstance& instance, const char* name) {
-    return instance.getPropertyValue(name).toString().c_str();
-}
-
-// "type Name=value" of each property, in the order of the instance.
-inline std::vector<std::string> Properties(const OpenWBEM::CIMInstance& instance) {
-    std::vector<std::string> result;
-    const OpenWBEM::CIMPropertyArray properties = instance.getProperties();
-    for (const OpenWBEM::CIMProperty& property : properties) {
-        result.push_back(std::string(property.getDataType().toString().c_str()) + " " +
-                         property.getName().c_str() + "=" + property.getValue().toString().c_str());
-    }
-    return result;
 }

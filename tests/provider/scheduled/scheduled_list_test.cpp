@@ -169,14 +169,14 @@ TEST_F(ScheduledListFailures, AFailingToolIsDescribedAndNothingIsKept) {
     EXPECT_THAT(IdentifiersOf(list), IsEmpty());
 }
 
-TEST_F(ScheduledListFailures, AMissingTool) {
+TEST_F(ScheduledListFailures, AMissingToolIsAFailureWithoutADescription) {
     tool.TakeToolAway();
     EXPECT_EQ(Fill(), Failed("SWU_Patchkeeper_Unknown"));
     EXPECT_TRUE(log->Contains("INFO: Executing: /qv/bin/patchkeeper --errors 127"));
     EXPECT_THAT(IdentifiersOf(list), IsEmpty());
 }
 
-TEST_F(ScheduledListFailures, AKilledTool) {
+TEST_F(ScheduledListFailures, AKilledToolFailsWith128AndItsSignal) {
     tool.Plays("--sched", ToolAnswer().Output(Line("a", "1")).DiesBySignal(SIGKILL));
     EXPECT_EQ(Fill(), Failed("It failed.\n\n#SWU_Patchkeeper_Unknown#"));
     EXPECT_TRUE(log->Contains("INFO: Executing: /qv/bin/patchkeeper --errors 137"));
@@ -270,7 +270,7 @@ TEST_F(ScheduledListFailures, AZeroByteEndsItsLine) {
     EXPECT_EQ(Fill(), Failed(MissingField("Version")));
 }
 
-TEST_F(ScheduledListFailures, AsManyRecordsAsTheCursorCanNumber) {
+TEST_F(ScheduledListFailures, AsManyRecordsAsTheCursorCanNumberAreRead) {
     std::string output;
     for (int i = 0; i < 65535; ++i) {
         output += Line("u", std::to_string(i));

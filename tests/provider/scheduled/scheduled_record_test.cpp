@@ -199,7 +199,7 @@ TEST_F(ScheduledManager, AFailingToolFailsTheIteration) {
     EXPECT_FALSE(manager.hasNext());
 }
 
-TEST_F(ScheduledManager, InitAsksNothing) {
+TEST_F(ScheduledManager, InitAsksTheToolNothing) {
     ScheduledUpdate_ObjectInstanceManager::init();
     EXPECT_THAT(tool.Calls(), testing::IsEmpty());
 }

@@ -1,11 +1,5 @@
 #include "ScheduledTest.hpp"
 
-#include <cerrno>
-#include <filesystem>
-#include <iterator>
-
-#include <sys/wait.h>
-
 using namespace OpenWBEM;
 using test_support::CimErrorOf;
 using test_support::Failed;
@@ -17,27 +11,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
-
-namespace {
-
-CIMParamValueArray In(const std::vector<CIMValue>& values) {
-    CIMParamValueArray parameters;
-    for (const CIMValue& value : values) {
-        parameters.push_back(CIMParamValue("Any", value));
-    }
-    return parameters;
-}
-
-CIMValue When(const char* text) {
-    return CIMValue(CIMDateTime(String(text)));
-}
-
-std::size_t OpenDescriptors() {
-    const std::filesystem::directory_iterator descriptors("/proc/self/fd");
-    return static_cast<std::size_t>(std::distance(begin(descriptors), end(descriptors)));
-}
-
-} // namespace
 
 class Scheduled : public ScheduledProviderTest {
 protected:
@@ -52,7 +25,7 @@ TEST_F(Scheduled, AnInstancePerLineWithItsElevenProperties) {
     ASSERT_EQ(instances.size(), 2U);
     EXPECT_EQ(Text(instances[0].getClassName()), SCHEDULED);
     EXPECT_THAT(
-        Properties(instances[0]),
+        PropertiesOf(instances[0]),
         ElementsAre(
             "string InstanceID=vim 9.0", "string Name=vim", "string ShortDescription=An editor",
             "string UpdateDescription=The long\ntext.\n", "string VersionString=9.0",
@@ -60,7 +33,7 @@ TEST_F(Scheduled, AnInstancePerLineWithItsElevenProperties) {
             "datetime ApplyDate=20260213225900.000000+000", "boolean RebootRequired=true",
             "string Status=Scheduled", "string Size=12 MB"));
     EXPECT_THAT(
-        Properties(instances[1]),
+        PropertiesOf(instances[1]),
         ElementsAre("string InstanceID=bash-doc 1:5.2", "string Name=bash-doc",
                     "string ShortDescription=A shell, and what it does",
                     "string UpdateDescription=The long\ntext.\n", "string VersionString=1:5.2",
@@ -110,15 +83,15 @@ TEST_F(Scheduled, AnInstanceKeepsWhatItHoldsAlready) {
     CIMInstance instance(SCHEDULED);
     instance.setProperty("Name", CIMValue("before"));
     provider.ScheduledUpdateToCIMInstance("root/cimv2", record, CIMClass(), instance);
-    EXPECT_EQ(Properties(instance).size(), 11U);
-    EXPECT_EQ(Value(instance, "Name"), "vim");
+    EXPECT_EQ(PropertiesOf(instance).size(), 11U);
+    EXPECT_EQ(ValueOf(instance, "Name"), "vim");
 }
 
 TEST_F(Scheduled, EveryCallAsksTheToolAnew) {
     Get("vim 9.0");
     Prints(Line("new", "1"));
     EXPECT_EQ(CimErrorOf([&] { Get("vim 9.0"); }), NotFound());
-    EXPECT_EQ(Value(Get("new 1"), "Name"), "new");
+    EXPECT_EQ(ValueOf(Get("new 1"), "Name"), "new");
     EXPECT_EQ(Text(calls.EnumInstanceNames(SCHEDULED)[0].getKeyValue("InstanceID").toString()),
               "new 1");
     Prints("");
@@ -205,10 +178,8 @@ TEST_F(Scheduled, AShortLineHandsOverNothing) {
 }
 
 TEST_F(Scheduled, AHandlerThatThrowsEndsTheEnumeration) {
-    class Thrower : public CIMInstanceResultHandlerIFC {
-        void doHandle(const CIMInstance&) override { OW_THROWCIM(CIMException::ACCESS_DENIED); }
-    } thrower;
-    EXPECT_EQ(CimErrorOf([&] { calls.EnumInstances(SCHEDULED, thrower); }).number, 2);
+    RefusingResult refusing;
+    EXPECT_EQ(CimErrorOf([&] { calls.EnumInstances(SCHEDULED, refusing); }).number, 2);
     EXPECT_EQ(tool.Calls().size(), 2U);
 }
 
@@ -235,8 +206,7 @@ TEST_F(Scheduled, FailuresLeaveNothingOpenAndNothingRunning) {
         EXPECT_EQ(CimErrorOf([&] { Get("a 1"); }), NotFound());
     }
     EXPECT_EQ(OpenDescriptors(), before);
-    EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
-    EXPECT_EQ(errno, ECHILD);
+    EXPECT_TRUE(NoChildIsLeft());
 }
 
 class ScheduledModify : public ScheduledProviderTest {
@@ -370,8 +340,8 @@ TEST_F(ScheduledOddities, SC5_ABlankInANameMakesTwoUpdatesOne) {
     const CIMObjectPathArray paths = calls.EnumInstanceNames(SCHEDULED);
     ASSERT_EQ(paths.size(), 2U);
     EXPECT_EQ(paths[0], paths[1]);
-    EXPECT_EQ(Value(Get("a b 1"), "Name"), "a b");
-    EXPECT_EQ(Value(Get("a b 1"), "RebootRequired"), "true");
+    EXPECT_EQ(ValueOf(Get("a b 1"), "Name"), "a b");
+    EXPECT_EQ(ValueOf(Get("a b 1"), "RebootRequired"), "true");
 }
 
 TEST_F(ScheduledOddities, SC6_AToolFailureDuringALookupIsNotFound) {
@@ -405,18 +375,18 @@ TEST_F(ScheduledOddities, SC8_InstanceIDIsAPlainPropertyAndTheKeyOfThePath) {
 TEST_F(ScheduledOddities, SC9_WithoutADescriptionThePropertyIsMissing) {
     tool.Plays("-l", ToolAnswer().Output("Some of it.\n").ExitCode(1));
     const CIMInstance instance = calls.EnumInstances(SCHEDULED)[0];
-    EXPECT_EQ(Properties(instance).size(), 10U);
-    EXPECT_THAT(Properties(instance), Not(Contains(StartsWith("string UpdateDescription="))));
-    EXPECT_EQ(Properties(Get("vim 9.0")), Properties(instance));
+    EXPECT_EQ(PropertiesOf(instance).size(), 10U);
+    EXPECT_THAT(PropertiesOf(instance), Not(Contains(StartsWith("string UpdateDescription="))));
+    EXPECT_EQ(PropertiesOf(Get("vim 9.0")), PropertiesOf(instance));
 }
 
 TEST_F(ScheduledOddities, SC10_ThePropertyListChangesNothing) {
     const StringArray nothing;
     const StringArray name(1, "Name");
-    EXPECT_EQ(Properties(calls.EnumInstances(SCHEDULED, &nothing)[0]).size(), 11U);
-    EXPECT_EQ(Properties(calls.EnumInstances(SCHEDULED, &name)[0]).size(), 11U);
-    EXPECT_EQ(Properties(Get("vim 9.0", &nothing)).size(), 11U);
-    EXPECT_EQ(Properties(Get("vim 9.0", &name)).size(), 11U);
+    EXPECT_EQ(PropertiesOf(calls.EnumInstances(SCHEDULED, &nothing)[0]).size(), 11U);
+    EXPECT_EQ(PropertiesOf(calls.EnumInstances(SCHEDULED, &name)[0]).size(), 11U);
+    EXPECT_EQ(PropertiesOf(Get("vim 9.0", &nothing)).size(), 11U);
+    EXPECT_EQ(PropertiesOf(Get("vim 9.0", &name)).size(), 11U);
 }
 
 TEST_F(ScheduledOddities, SC11_DeletingAnInstanceDropsTheScheduleAlone) {
@@ -442,4 +412,19 @@ TEST_F(ScheduledOddities, SC14_RemoveReadsNoParameters) {
     const CIMValue null(CIMNULL);
     EXPECT_EQ(Invoke("vim 9.0", "Remove", In({null, CIMValue(1), CIMValue("x")})), CIMValue(""));
     EXPECT_EQ(tool.ShellCommands().back(), "/qv/bin/patchkeeper --msched vim 9.0");
+}
+
+TEST_F(ScheduledOddities, SC15_NoOperationLooksForTheUpdateOfAnInstance) {
+    const CIMInstance instance = Get("vim 9.0");
+    tool.ForgetCalls();
+    ScheduledUpdate record;
+    provider.getScheduledUpdateWithCIMInstance(instance, record);
+    EXPECT_EQ(tool.Calls().size(), 1U);
+    tool.ForgetCalls();
+    // Neither the update of an instance is looked for, nor is one without a key refused as such.
+    for (const CIMInstance& given : {instance, CIMInstance(SCHEDULED)}) {
+        EXPECT_EQ(CimErrorOf([&] { calls.CreateInstance(given); }).number, 7);
+        EXPECT_EQ(CimErrorOf([&] { calls.ModifyInstance(given); }).number, 7);
+    }
+    EXPECT_THAT(tool.Calls(), IsEmpty());
 }
