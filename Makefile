@@ -48,7 +48,7 @@ matrix: ## every operation and method in every situation: carry them out, then p
 	@scripts/run-tests debug:matrix
 	@build/debug/bin/matrix_print
 
-mutants: ## break the library's rules one at a time and see that the tests notice (about half an hour)
+mutants: ## break the library's rules one at a time and see that the tests notice (about an hour)
 	@scripts/require-packages build run test
 	@scripts/mutants
 
