@@ -112,10 +112,10 @@ void MeasureMillion(std::vector<Row>& rows) {
     CimClient(server.Port())
         .Post(test_support::IntrinsicCall(
             "GetClass",
-            R"(<IPARAMVALUE NAME="ClassName"><CLASSNAME NAME="TS_Numbered"/></IPARAMVALUE>)"));
+            R"(<IPARAMVALUE NAME="ClassName"><CLASSNAME NAME="TS_Million"/></IPARAMVALUE>)"));
     const double idle = server.ResidentMegabytes();
     const auto start = Clock::now();
-    bench::Ask(server.Port(), bench::Enumerate("TS_Numbered"));
+    bench::Ask(server.Port(), bench::Enumerate("TS_Million"));
     rows.push_back({"1000000 instances made on the fly: time", MillisecondsSince(start), "ms"});
     rows.push_back({"1000000 instances made on the fly: memory above idle",
                     (server.PeakMegabytes() - idle) / 1.048576, "MiB", 16});
