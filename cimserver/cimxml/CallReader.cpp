@@ -42,6 +42,14 @@ operations::Call ReadEnumerateClassNames(Parameters& parameters) {
     return call;
 }
 
+operations::Call ReadGetQualifier(Parameters& parameters) {
+    return operations::GetQualifier{parameters.RequiredText("QualifierName")};
+}
+
+operations::Call ReadEnumerateQualifiers(Parameters& /*parameters*/) {
+    return operations::EnumerateQualifiers{};
+}
+
 operations::Call ReadGetInstance(Parameters& parameters) {
     operations::GetInstance call;
     call.instanceName = parameters.RequiredInstanceName("InstanceName");
@@ -156,6 +164,8 @@ constexpr Operation intrinsicOperations[] = {
     {"GetClass", &ReadGetClass},
     {"EnumerateClasses", &ReadEnumerateClasses},
     {"EnumerateClassNames", &ReadEnumerateClassNames},
+    {"GetQualifier", &ReadGetQualifier},
+    {"EnumerateQualifiers", &ReadEnumerateQualifiers},
     {"GetInstance", &ReadGetInstance},
     {"EnumerateInstances", &ReadEnumerateInstances},
     {"EnumerateInstanceNames", &ReadEnumerateInstanceNames},

@@ -18,4 +18,7 @@ void WriteNamedInstance(XmlBuffer& xml, const OpenWBEM::CIMInstance& instance);
 /// CLASS.
 void WriteClass(XmlBuffer& xml, const OpenWBEM::CIMClass& cimClass);
 
+/// QUALIFIER.DECLARATION.
+void WriteQualifierType(XmlBuffer& xml, const OpenWBEM::CIMQualifierType& qualifier);
+
 } // namespace cimserver::cimxml

@@ -20,7 +20,8 @@ namespace {
 template <class CallType>
 constexpr bool asksSchemaOnly =
     std::is_same_v<CallType, GetClass> || std::is_same_v<CallType, EnumerateClasses> ||
-    std::is_same_v<CallType, EnumerateClassNames>;
+    std::is_same_v<CallType, EnumerateClassNames> || std::is_same_v<CallType, GetQualifier> ||
+    std::is_same_v<CallType, EnumerateQualifiers>;
 
 OpenWBEM::String WithoutSlashes(OpenWBEM::String nameSpace) {
     while (nameSpace.startsWith("/")) {

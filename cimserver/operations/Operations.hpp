@@ -40,6 +40,10 @@ struct EnumerateClassNames {
     OpenWBEM::String className; ///< empty: from the top
     bool deepInheritance = false;
 };
+struct GetQualifier {
+    OpenWBEM::String qualifierName;
+};
+struct EnumerateQualifiers {};
 struct GetInstance {
     OpenWBEM::CIMObjectPath instanceName;
     bool localOnly = true;
@@ -124,10 +128,10 @@ struct OtherOperation {
 };
 
 using Call =
-    std::variant<GetClass, EnumerateClasses, EnumerateClassNames, GetInstance, EnumerateInstances,
-                 EnumerateInstanceNames, GetProperty, SetProperty, CreateInstance, ModifyInstance,
-                 DeleteInstance, Associators, AssociatorNames, References, ReferenceNames,
-                 InvokeMethod, OtherOperation>;
+    std::variant<GetClass, EnumerateClasses, EnumerateClassNames, GetQualifier, EnumerateQualifiers,
+                 GetInstance, EnumerateInstances, EnumerateInstanceNames, GetProperty, SetProperty,
+                 CreateInstance, ModifyInstance, DeleteInstance, Associators, AssociatorNames,
+                 References, ReferenceNames, InvokeMethod, OtherOperation>;
 
 struct Request {
     OpenWBEM::String nameSpace; ///< without leading slash
@@ -142,6 +146,7 @@ public:
     virtual ~ResultSink() = default;
     virtual void Class(const OpenWBEM::CIMClass& cimClass) = 0;
     virtual void ClassName(const OpenWBEM::String& name) = 0;
+    virtual void QualifierType(const OpenWBEM::CIMQualifierType& qualifier) = 0;
     virtual void Instance(const OpenWBEM::CIMInstance& instance) = 0;
     /// An instance together with its name, which its class and its own keys make.
     virtual void NamedInstance(const OpenWBEM::CIMInstance& instance) = 0;

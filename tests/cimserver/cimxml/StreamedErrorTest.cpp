@@ -33,7 +33,7 @@ void DeliverAndFail(ResultSink& sink, int count, const char* error) {
 void Ask(TextOutput& output, const FakeExecutor::Action& action) {
     FakeExecutor executor(action);
     const std::string body = IntrinsicCall("EnumerateClassNames", "");
-    cimserver::cimxml::Answer({"POST", {{"CIMOperation", "MethodCall"}}, body, ""}, executor,
+    cimserver::cimxml::Answer({"POST", cimxml_test::OperationHeaders(body), body, ""}, executor,
                               output);
 }
 
@@ -80,7 +80,8 @@ TEST(StreamedErrors, AnAnswerThatSucceedsHasNoTrailers) {
 
 TEST(StreamedErrors, TheTrailersAnnouncedAreTheTrailersSent) {
     const HeaderList trailers = TrailersOf(CIMException(__FILE__, __LINE__, CIMException::FAILED));
-    EXPECT_EQ(trailers.at(0).first + ", " + trailers.at(1).first, cimserver::cimxml::trailerNames);
+    EXPECT_EQ(trailers.at(0).first + ", " + trailers.at(1).first,
+              cimserver::cimxml::Status().trailerNames);
 }
 
 TEST(StreamedErrors, HaveTheErrorsNumber) {
