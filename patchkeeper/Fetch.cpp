@@ -1,7 +1,7 @@
 #include "patchkeeper/Fetch.hpp"
+#include <string_view>
 
 #include <algorithm>
-#include <charconv>
 #include <filesystem>
 #include <system_error>
 #include <vector>
@@ -183,9 +183,11 @@ void Fetch(const State& state, const Settings& settings, const std::string& from
 }
 
 int HexDigit(char letter) {
-    int value = -1;
-    std::from_chars(&letter, &letter + 1, value, 16);
-    return value;
+    constexpr std::string_view digits = "0123456789abcdef";
+    const char lower =
+        letter >= 'A' && letter <= 'F' ? static_cast<char>(letter - 'A' + 'a') : letter;
+    const std::size_t value = digits.find(lower);
+    return value == std::string_view::npos ? -1 : static_cast<int>(value);
 }
 
 } // namespace

@@ -47,7 +47,7 @@ public:
                  const Operation& operation, const CopyProgress& progress);
 
 private:
-    void Record(const Manifest& manifest, HeldBundle bundle,
+    void Record(const Manifest& manifest, const HeldBundle& bundle,
                 const std::filesystem::path& copy) const;
 
     const State& state_;

@@ -21,11 +21,11 @@ String ToString(const std::string& text) {
 
 /// Blanks count only where a text is the value.
 String TextFor(CIMDataType::Type type, const Element& value, const String& what) {
-    const String text = ToString(value.text);
+    String text = ToString(value.text);
     if (type == CIMDataType::STRING || type == CIMDataType::CHAR16) {
         return text;
     }
-    const String trimmed = String(text).trim();
+    String trimmed = String(text).trim();
     if (trimmed.empty()) {
         Refuse(what + ": \"" + text + "\" is no " + CIMDataType(type).toString());
     }

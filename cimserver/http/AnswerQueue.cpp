@@ -1,11 +1,21 @@
 #include "cimserver/http/AnswerQueue.hpp"
 
 #include <algorithm>
+#include <chrono>
 #include <cstring>
 #include <stdexcept>
 #include <utility>
 
 namespace cimserver::http {
+
+namespace {
+
+/// A sender that has caught up sleeps until so much is there, because waking it costs the maker as
+/// much as making a thousand bytes, but no longer than that time.
+constexpr std::size_t blocksAtOnce = 4;
+constexpr std::chrono::milliseconds longestLinger{2};
+
+} // namespace
 
 AnswerQueue::AnswerQueue(std::string spoolDirectory) : spool_(std::move(spoolDirectory)) {
 }
@@ -21,6 +31,18 @@ void AnswerQueue::Append(std::string_view bytes) {
         const std::size_t count =
             place.isFile ? AppendToFile(bytes) : AppendToBlock(*place.block, bytes);
         bytes.remove_prefix(count);
+    }
+    WakeSender();
+}
+
+void AnswerQueue::WakeSender() {
+    bool isWaitedFor = false;
+    {
+        const std::lock_guard lock(mutex_);
+        isWaitedFor = wanted_ == Wanted::anything || (wanted_ == Wanted::enough && HasEnough());
+    }
+    if (isWaitedFor) {
+        changed_.notify_one();
     }
 }
 
@@ -67,21 +89,15 @@ void AnswerQueue::DropAll() {
 std::size_t AnswerQueue::AppendToBlock(Block& block, std::string_view bytes) {
     const std::size_t count = std::min(bytes.size(), blockSize - block.filled);
     std::memcpy(block.bytes + block.filled, bytes.data(), count);
-    {
-        const std::lock_guard lock(mutex_);
-        block.filled += count;
-    }
-    changed_.notify_one();
+    const std::lock_guard lock(mutex_);
+    block.filled += count;
     return count;
 }
 
 std::size_t AnswerQueue::AppendToFile(std::string_view bytes) {
     spool_.WriteAt(fileEnd_, bytes);
-    {
-        const std::lock_guard lock(mutex_);
-        fileEnd_ += bytes.size();
-    }
-    changed_.notify_one();
+    const std::lock_guard lock(mutex_);
+    fileEnd_ += bytes.size();
     return bytes.size();
 }
 
@@ -111,9 +127,25 @@ bool AnswerQueue::HasBytes() const {
            fileRead_ < fileEnd_;
 }
 
+bool AnswerQueue::HasEnough() const {
+    return end_ != End::none || blocks_.size() > blocksAtOnce || fileRead_ < fileEnd_;
+}
+
+void AnswerQueue::WaitForBytes(std::unique_lock<std::mutex>& lock) {
+    if (HasBytes() || end_ != End::none) {
+        return;
+    }
+    wanted_ = Wanted::enough;
+    if (!changed_.wait_for(lock, longestLinger, [this] { return HasEnough(); })) {
+        wanted_ = Wanted::anything;
+        changed_.wait(lock, [this] { return end_ != End::none || HasBytes(); });
+    }
+    wanted_ = Wanted::nothing;
+}
+
 AnswerQueue::Portion AnswerQueue::Read(char* target, std::size_t room) {
     std::unique_lock lock(mutex_);
-    changed_.wait(lock, [this] { return end_ != End::none || HasBytes(); });
+    WaitForBytes(lock);
     std::size_t copied = 0;
     try {
         while (end_ != End::broken && copied < room && HasBytes()) {

@@ -71,12 +71,18 @@ private:
         bool isFile = false;
     };
 
+    /// What the sender waits for.
+    enum class Wanted : std::uint8_t { nothing, enough, anything };
+
     Place NextPlace();
     Block* BlockWithRoom();
     void DropAll();
     std::size_t AppendToBlock(Block& block, std::string_view bytes);
     std::size_t AppendToFile(std::string_view bytes);
+    void WakeSender();
     bool HasBytes() const;
+    bool HasEnough() const;
+    void WaitForBytes(std::unique_lock<std::mutex>& lock);
     std::size_t TakeFromBlock(std::unique_lock<std::mutex>& lock, char* target, std::size_t room);
     std::size_t TakeFromFile(std::unique_lock<std::mutex>& lock, char* target, std::size_t room);
 
@@ -90,6 +96,7 @@ private:
     std::uint64_t fileEnd_ = 0;
     End end_ = End::none;
     bool abandoned_ = false;
+    Wanted wanted_ = Wanted::nothing;
 
     Spool spool_;
 };

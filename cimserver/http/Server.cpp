@@ -24,8 +24,9 @@ namespace {
 constexpr std::size_t bytesReadInVain = 64 * 1024;
 
 /// The HTTP library's memory of a connection: the head of a request has to fit, and a chunk of an
-/// answer is never longer.
-constexpr std::size_t connectionMemory = 64 * 1024;
+/// answer with what the library itself needs. A little more than a block, so that one is sent at
+/// once.
+constexpr std::size_t connectionMemory = AnswerQueue::blockSize + 4 * 1024;
 
 std::string ClientAddress(MHD_Connection* connection) {
     const MHD_ConnectionInfo* info =

@@ -51,7 +51,7 @@ void CheckInstance(const CIMObjectPath& path, const CIMClass& cimClass, const Su
 // The first of that name, which is removed; null when there is none.
 CIMParamValue Take(CIMParamValueArray& parameters, const String& name) {
     for (CIMParamValueArray::size_type i = 0; i < parameters.size(); ++i) {
-        const CIMParamValue parameter = parameters[i];
+        CIMParamValue parameter = parameters[i];
         if (parameter.getName().equalsIgnoreCase(name)) {
             parameters.remove(i);
             return parameter;

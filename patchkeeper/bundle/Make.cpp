@@ -223,7 +223,7 @@ std::filesystem::path MakeBundle(const std::filesystem::path& directory,
         key.emplace(*privateKey);
     }
     const Manifest manifest = bundle::Describe(directory);
-    const std::filesystem::path target =
+    std::filesystem::path target =
         output.empty() ? std::filesystem::path(manifest.name + "-" + manifest.version + ".tar.gz")
                        : output;
     bundle::Draft draft(target);

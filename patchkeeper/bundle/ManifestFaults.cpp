@@ -62,7 +62,7 @@ std::string LinkFault(const BundleFile& file) {
 
 std::string PlaceFault(const BundleFile& file, const std::set<std::string_view>& components) {
     const bool isInFiles = file.entry.starts_with("files/");
-    const std::string fault = PathFault(isInFiles ? file.path : file.entry);
+    std::string fault = PathFault(isInFiles ? file.path : file.entry);
     if (!fault.empty()) {
         return fault;
     }

@@ -241,7 +241,8 @@ TEST_F(Trouble, FetchKilledAtAnyMomentIsThereAsAWholeOrNotAtAll) {
     int killed = 0;
     for (int i = 0; i < 40; ++i) {
         const pid_t process = Start("--hd", bundle);
-        std::this_thread::sleep_for(std::chrono::milliseconds(i)); // anywhere will do
+        ASSERT_GT(process, 0) << "the program could not be started"; // -1 would kill everybody
+        std::this_thread::sleep_for(std::chrono::milliseconds(i));   // anywhere will do
         kill(process, SIGKILL);
         int status = 0;
         ASSERT_EQ(waitpid(process, &status, 0), process);

@@ -262,6 +262,24 @@ TEST_F(Queue, KeepsTheOrderBetweenTwoThreads) {
     EXPECT_TRUE(reader.get());
 }
 
+/// The reader is fast and meets the maker within blocks.
+TEST_F(Queue, ABlockThatIsBeingFilledIsNotTakenAway) {
+    const std::string portion = Pattern(40'000);
+    constexpr int count = 2500;
+    auto reader = std::async(std::launch::async, [&] {
+        int wrong = 0;
+        for (int i = 0; i < count; ++i) {
+            wrong += Take(queue, portion.size()) == portion ? 0 : 1;
+        }
+        return wrong;
+    });
+    for (int i = 0; i < count; ++i) {
+        queue.Append(portion);
+    }
+    queue.Append(portion);
+    EXPECT_EQ(reader.get(), 0);
+}
+
 TEST_F(Queue, AMakerGoesOnWhileTheReaderLeaves) {
     std::promise<void> begun;
     auto reader = std::async(std::launch::async, [&] {

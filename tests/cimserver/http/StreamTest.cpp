@@ -17,6 +17,13 @@
 #include <stdexcept>
 #include <thread>
 
+// The address sanitizer keeps freed memory back, by default 256 MB of it, which would hide what the
+// tests of memory look for. Without that sanitizer nobody calls this.
+extern "C" const char* __asan_default_options();
+const char* __asan_default_options() {
+    return "quarantine_size_mb=1";
+}
+
 namespace {
 
 using cimserver::http::Request;
@@ -243,18 +250,30 @@ TEST(Stream, AnExceptionBeforeAnythingLeftIsStatus500) {
     }
 }
 
+/// Appends until nothing of it is kept any more; false when that does not happen.
+bool AppendUntilDropped(Answer& answer, const SpoolDirectory& directory) {
+    const std::string part = Pattern(300'000);
+    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    for (int i = 0; std::chrono::steady_clock::now() < limit; ++i) {
+        answer.Append(part);
+        const auto file = OpenFileIn(directory.Path());
+        // What fits into memory makes no file.
+        if (i >= 10 && (!file || file->size == 0)) {
+            return true;
+        }
+    }
+    return false;
+}
+
 TEST(Stream, AClientThatLeavesEndsNothingElseAndLeavesNothingBehind) {
     const SpoolDirectory directory;
     std::promise<void> clientHasLeft;
-    std::promise<void> made;
+    std::promise<bool> isDropped;
     const Server server(AnyPort(), [&](const Request& request, Answer& answer) {
         answer.Append(Pattern(firstPortion));
         if (request.body.empty()) {
             clientHasLeft.get_future().wait();
-            for (int i = 0; i < 100; ++i) {
-                answer.Append(Pattern(300'000));
-            }
-            made.set_value();
+            isDropped.set_value(AppendUntilDropped(answer, directory));
         }
     });
     {
@@ -263,14 +282,9 @@ TEST(Stream, AClientThatLeavesEndsNothingElseAndLeavesNothingBehind) {
         client.ReceiveBytes(1000);
     }
     clientHasLeft.set_value();
-    made.get_future().wait();
+    EXPECT_TRUE(isDropped.get_future().get());
     EXPECT_EQ(CimClient(server.Port()).Request("POST", {{"TE", "trailers"}}, "x").body.size(),
               firstPortion);
-    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-    while (OpenFileIn(directory.Path()) && std::chrono::steady_clock::now() < limit) {
-        std::this_thread::yield();
-    }
-    EXPECT_FALSE(OpenFileIn(directory.Path()).has_value());
 }
 
 TEST(Stream, TheDestructorWaitsForARunningHandler) {
