@@ -3,6 +3,7 @@
 #pragma once
 
 #include "OW_CIM.hpp"
+#include "OW_CIMException.hpp"
 
 #include <memory>
 #include <optional>
@@ -126,12 +127,17 @@ struct InvokeMethod {
 struct OtherOperation {
     OpenWBEM::String name;
 };
+/// A call with a parameter that could not be read; answered with this error, unless the namespace
+/// is wrong already.
+struct FaultyCall {
+    OpenWBEM::CIMException error;
+};
 
 using Call =
     std::variant<GetClass, EnumerateClasses, EnumerateClassNames, GetQualifier, EnumerateQualifiers,
                  GetInstance, EnumerateInstances, EnumerateInstanceNames, GetProperty, SetProperty,
                  CreateInstance, ModifyInstance, DeleteInstance, Associators, AssociatorNames,
-                 References, ReferenceNames, InvokeMethod, OtherOperation>;
+                 References, ReferenceNames, InvokeMethod, OtherOperation, FaultyCall>;
 
 struct Request {
     OpenWBEM::String nameSpace; ///< without leading slash

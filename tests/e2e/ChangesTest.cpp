@@ -37,7 +37,7 @@ TEST_F(Changes, CreateInstanceRefusals) {
               "no provider)");
     EXPECT_EQ(Failure("ci", R"(ET_Item.Id="4")", R"('Id="4",Count=many')"),
               "CIM_ERR_INVALID_PARAMETER: invalid parameter passed to method (Property Count: "
-              "general error (Unable to convert \"many\" into UInt8))");
+              "\"many\" is no uint8)");
     // The client reads the class before it sends the instance.
     EXPECT_EQ(Failure("ci", R"(ET_None.Id="1")", R"('Id="1"')"),
               "CIM_ERR_NOT_FOUND: requested object could not be found (/root/cimv2:ET_None)");

@@ -66,6 +66,13 @@ std::string NameOf(const std::string& className, const std::string& id) {
            "</KEYVALUE></KEYBINDING></INSTANCENAME>";
 }
 
+/// As the value of a parameter.
+std::string ReferenceTo(const std::string& instanceName) {
+    return R"(<VALUE.REFERENCE><LOCALINSTANCEPATH><LOCALNAMESPACEPATH><NAMESPACE NAME="root"/>)"
+           R"(<NAMESPACE NAME="cimv2"/></LOCALNAMESPACEPATH>)" +
+           instanceName + "</LOCALINSTANCEPATH></VALUE.REFERENCE>";
+}
+
 /// The texts of all elements of that name.
 std::vector<std::string> TextsOf(const XmlNode& answer, const char* element) {
     std::vector<std::string> texts;
@@ -127,14 +134,20 @@ TEST_P(Keys, SurviveFromTheEnumerationToGetMethodAndChange) {
     ExpectToBeTheItem(IdIn(Ask(IntrinsicCall("EnumerateInstances", ofClass))));
     const std::string name = Parameter("InstanceName", NameOf("ET_Item", id));
     EXPECT_TRUE(Holds(TextsOf(Ask(IntrinsicCall("GetInstance", name)), "VALUE"), id));
-    EXPECT_FALSE(
-        TextsOf(Ask(ExtrinsicCall("Describe", NameOf("ET_Item", id), "")), "VALUE").empty());
     const std::string itsName = Parameter("PropertyName", Value("Name"));
     Ask(IntrinsicCall("SetProperty", name + itsName + Parameter("NewValue", Value(id))));
     EXPECT_TRUE(Holds(TextsOf(Ask(IntrinsicCall("GetProperty", name + itsName)), "VALUE"), id));
     Ask(IntrinsicCall("DeleteInstance", name));
     EXPECT_FALSE(Holds(TextsOf(Ask(IntrinsicCall("EnumerateInstanceNames", ofClass)), "KEYVALUE"),
                        GetParam().text));
+}
+
+TEST_P(Keys, SurviveThroughAMethodAsObjectAsTextAndInAReference) {
+    const std::string name = NameOf("ET_Item", GetParam().text);
+    const XmlNode told = Ask(ExtrinsicCall(
+        "Tell", name, R"(<PARAMVALUE NAME="Other">)" + ReferenceTo(name) + "</PARAMVALUE>"));
+    EXPECT_TRUE(Holds(TextsOf(told, "VALUE"), GetParam().text));
+    ExpectToBeTheItem(IdIn(told));
 }
 
 TEST_P(Keys, SurviveThroughAssociationsAndBack) {
@@ -157,6 +170,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Text{"Blanks", "  two  blanks  "}, Text{"Lines", "one\ntwo\r\nthree\rfour\t"},
                     Text{"Separators", "a,b=c.d:e/f//g%2F%"}, Text{"OneBlank", " "},
                     Text{"TenThousandCharacters", Repeated("0123456789", 10'000)},
+                    Text{"TenThousandUmlauts", Repeated("\xC3\xA4", 20'000)},
                     Text{"TenThousandOfManyKinds",
                          Repeated("\"\\\xC3\xA4<&>'\r\n\xF0\x9F\x98\x80", 10'000)}),
     [](const auto& text) { return text.param.name; });

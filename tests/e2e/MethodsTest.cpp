@@ -115,7 +115,7 @@ TEST_F(MethodsByHand, ParametersThatDoNotFitAreRefused) {
     EXPECT_EQ(ErrorOf(itemClass, R"(<PARAMVALUE NAME="Must" PARAMTYPE="uint8"><VALUE>x</VALUE>)"
                                  R"(</PARAMVALUE>)"),
               start +
-                  "Parameter Must: general error (Unable to convert &quot;x&quot; into UInt8))");
+                  "Parameter Must: &quot;x&quot; is no uint8)");
 }
 
 TEST_F(MethodsByHand, AnotherNamespaceIsRefused) {

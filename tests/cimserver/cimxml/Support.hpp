@@ -25,6 +25,9 @@ public:
     explicit FakeExecutor(Action action = {}) : action_(std::move(action)) {}
 
     void Execute(const Request& request, ResultSink& sink) override {
+        if (const auto* faulty = std::get_if<cimserver::operations::FaultyCall>(&request.call)) {
+            throw OpenWBEM::CIMException(faulty->error);
+        }
         last = request;
         if (action_) {
             action_(request, sink);

@@ -232,6 +232,8 @@ Section OddXmlRows() {
             {"no XML declaration", good.Replacing(declaration, ""), Answered()},
             {"an XML declaration without encoding", good.Replacing(" encoding=\"utf-8\"", ""),
              Answered()},
+            {"an XML declaration with encoding `iso-8859-1`",
+             good.Replacing("utf-8", "iso-8859-1"), Answered()},
             {"a byte order mark", good.Body("\xEF\xBB\xBF" + goodBody), Answered()},
             {"UTF-16 with a byte order mark and no charset",
              good.Without("Content-Type").Body(Utf16(goodBody.substr(declaration.size()))),

@@ -187,6 +187,13 @@ TEST_F(Classes, EnumerateClassesAppliesTheFiltersToEach) {
     EXPECT_EQ(Described(sink.classes[0]), "HT_Base Id Number Start(Name)");
 }
 
+TEST_F(Classes, ACallWithAFaultIsAnsweredWithItUnlessTheNamespaceIsWrong) {
+    const OpenWBEM::CIMException error(__FILE__, __LINE__,
+                                       OpenWBEM::CIMException::INVALID_PARAMETER, "Parameter X");
+    EXPECT_EQ(Failure(FaultyCall{error}), "4 invalid parameter passed to method (Parameter X)");
+    EXPECT_EQ(Failure(FaultyCall{error}, "root/none"), "3 namespace does not exist (root/none)");
+}
+
 TEST_F(Classes, EveryOtherOperationIsNotSupported) {
     EXPECT_EQ(Failure(OtherOperation{"ExecQuery"}),
               "7 requested operation is not supported (ExecQuery)");
