@@ -55,11 +55,16 @@ char Unescaped(char letter) {
     }
 }
 
+/// Single characters stand in single quotes.
+bool IsQuoted(std::string_view text) {
+    return text.starts_with('"') || text.starts_with('\'');
+}
+
 /// The text in quotes that `rest` begins with; nothing when it does not end.
 std::optional<std::string> TakeQuoted(std::string_view& rest) {
     std::string value;
     for (std::size_t at = 1; at < rest.size(); ++at) {
-        if (rest[at] == '"') {
+        if (rest[at] == rest.front()) {
             rest.remove_prefix(at + 1);
             return value;
         }
@@ -75,7 +80,7 @@ std::optional<std::string> TakeQuoted(std::string_view& rest) {
 std::optional<Key> TakeKey(std::string_view& rest) {
     Key key;
     key.name = WithoutBlanks(TakeUntil(rest, '='));
-    if (!rest.starts_with('"')) {
+    if (!IsQuoted(rest)) {
         key.value = WithoutBlanks(TakeUntil(rest, ','));
         return key;
     }

@@ -32,15 +32,16 @@ bool HasBlank(const Header& header) {
 } // namespace
 
 std::optional<int> FramingFault(const Request& request, std::string_view version) {
+    const bool isOld = version == "HTTP/1.0";
     if (std::any_of(request.headers.begin(), request.headers.end(), HasBlank)) {
         return badRequest;
     }
-    if (version != "HTTP/1.0" && ValuesOf(request, "Host").size() != 1) {
+    if (!isOld && ValuesOf(request, "Host").size() != 1) {
         return badRequest;
     }
     const auto codings = ValuesOf(request, "Transfer-Encoding");
     const auto lengths = ValuesOf(request, "Content-Length");
-    if (lengths.size() > 1 || (!lengths.empty() && !codings.empty())) {
+    if (lengths.size() > 1 || (!codings.empty() && (isOld || !lengths.empty()))) {
         return badRequest;
     }
     if (codings.size() > 1 ||

@@ -10,8 +10,8 @@ namespace cimserver::http {
 
 /// The status with which a request is refused before its body is read; nothing when it is taken.
 /// What the HTTP library does not look at: a header name with a blank, Host not there once in
-/// HTTP/1.1, several lengths or a length beside a transfer coding (400), another coding than
-/// chunked (501), and none of both where a body is expected (411).
+/// HTTP/1.1, several lengths, a length beside a transfer coding, or such a coding in HTTP/1.0
+/// (400), another coding than chunked (501), and none of both where a body is expected (411).
 std::optional<int> FramingFault(const Request& request, std::string_view version);
 
 } // namespace cimserver::http

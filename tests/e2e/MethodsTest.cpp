@@ -114,8 +114,7 @@ TEST_F(MethodsByHand, ParametersThatDoNotFitAreRefused) {
               start + "Unknown or duplicate parameter: May)");
     EXPECT_EQ(ErrorOf(itemClass, R"(<PARAMVALUE NAME="Must" PARAMTYPE="uint8"><VALUE>x</VALUE>)"
                                  R"(</PARAMVALUE>)"),
-              start +
-                  "Parameter Must: &quot;x&quot; is no uint8)");
+              start + "Parameter Must: &quot;x&quot; is no uint8)");
 }
 
 TEST_F(MethodsByHand, AnotherNamespaceIsRefused) {

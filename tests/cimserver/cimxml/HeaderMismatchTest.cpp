@@ -130,6 +130,16 @@ TEST(HeaderMismatch, TextsAreComparedByteForByteWhateverTheyHold) {
               {R"(root/cimv2:ZNX_A.Id="a")", false});
 }
 
+TEST(HeaderMismatch, ASingleCharacterMayStandInSingleQuotes) {
+    const std::string body =
+        OnInstance(R"(<KEYBINDING NAME="C"><KEYVALUE TYPE="char16">"</KEYVALUE></KEYBINDING>)"
+                   R"(<KEYBINDING NAME="D"><KEYVALUE TYPE="char16">'</KEYVALUE></KEYBINDING>)");
+    ExpectFit(body, "Run", {R"(root/cimv2:ZNX_A.C='"',D='\'')", true});
+    ExpectFit(body, "Run", {R"(root/cimv2:ZNX_A.C="\"",D="'")", true});
+    ExpectFit(body, "Run", {R"(root/cimv2:ZNX_A.C='"',D=''')", false});
+    ExpectFit(body, "Run", {R"(root/cimv2:ZNX_A.C='x',D='\'')", false});
+}
+
 TEST(HeaderMismatch, AKeyWithoutNameIsComparedByItsValue) {
     const std::string body = OnInstance("<KEYVALUE>x</KEYVALUE>");
     ExpectFit(body, "Run", {R"(root/cimv2:ZNX_A.Id="x")", true});

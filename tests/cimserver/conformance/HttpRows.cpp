@@ -7,39 +7,39 @@ namespace {
 
 const std::string head = "Host: localhost\r\nContent-Length: 0\r\n\r\n";
 
-Request Chunked(const std::string& chunks) {
+Request Chunked(const std::string& version, const std::string& chunks) {
     return Request()
         .Without("Content-Length")
         .Adding("Transfer-Encoding", "chunked")
-        .Raw("POST /cimom HTTP/1.1\r\nHost: localhost\r\nTransfer-Encoding: chunked\r\n\r\n" +
-             chunks);
+        .Raw("POST /cimom " + version +
+             "\r\nHost: localhost\r\nTransfer-Encoding: chunked\r\n\r\n" + chunks);
 }
 
 } // namespace
 
 Section HttpLibraryRows() {
     const Request good;
-    return {
-        "Answered by the HTTP library",
-        {
-            {"a request line without version", good.Raw("POST /cimom\r\n" + head), Status(400)},
-            {"a request line of two words", good.Raw("hello world\r\n\r\n"), Status(400)},
-            {"`HTTP/2.0` in the request line", good.Line("/cimom HTTP/2.0"), Status(505)},
-            {"another protocol in the request line", good.Line("/cimom HTTX/1.1"), Status(400)},
-            {"a header line without colon", good.Raw("POST / HTTP/1.1\r\nfoo\r\n" + head),
-             Status(400)},
-            {"headers of more than 64 KiB", good.Adding("X", std::string(70'000, 'x')),
-             Status(431)},
-            {"a target of more than 64 KiB",
-             good.Line("/" + std::string(70'000, 'x') + " HTTP/1.1"), Status(414)},
-            {"`Content-Length: x`", good.With("Content-Length", "x"), Status(400)},
-            {"`Content-Length: -1`", good.With("Content-Length", "-1"), Status(400)},
-            {"`Content-Length: +5`", good.With("Content-Length", "+5"), Status(400)},
-            {"`Content-Length: 5, 5`", good.With("Content-Length", "5, 5"), Status(400)},
-            {"a `Content-Length` of more than 64 bits",
-             good.With("Content-Length", "99999999999999999999"), Status(413)},
-            {"a chunk whose size is no number", Chunked("zz\r\nhello\r\n0\r\n\r\n"), Status(400)},
-        }};
+    return {"Answered by the HTTP library",
+            {
+                {"a request line without version", good.Raw("POST /cimom\r\n" + head), Status(400)},
+                {"a request line of two words", good.Raw("hello world\r\n\r\n"), Status(400)},
+                {"`HTTP/2.0` in the request line", good.Line("/cimom HTTP/2.0"), Status(505)},
+                {"another protocol in the request line", good.Line("/cimom HTTX/1.1"), Status(400)},
+                {"a header line without colon", good.Raw("POST / HTTP/1.1\r\nfoo\r\n" + head),
+                 Status(400)},
+                {"headers of more than 64 KiB", good.Adding("X", std::string(70'000, 'x')),
+                 Status(431)},
+                {"a target of more than 64 KiB",
+                 good.Line("/" + std::string(70'000, 'x') + " HTTP/1.1"), Status(414)},
+                {"`Content-Length: x`", good.With("Content-Length", "x"), Status(400)},
+                {"`Content-Length: -1`", good.With("Content-Length", "-1"), Status(400)},
+                {"`Content-Length: +5`", good.With("Content-Length", "+5"), Status(400)},
+                {"`Content-Length: 5, 5`", good.With("Content-Length", "5, 5"), Status(400)},
+                {"a `Content-Length` of more than 64 bits",
+                 good.With("Content-Length", "99999999999999999999"), Status(413)},
+                {"a chunk whose size is no number", Chunked("HTTP/1.1", "zz\r\nhello\r\n0\r\n\r\n"),
+                 Status(400)},
+            }};
 }
 
 Section HttpRows() {
@@ -62,6 +62,8 @@ Section HttpRows() {
             {"`Content-Length` twice, different", good.Adding("Content-Length", "3"), Status(400)},
             {"`Content-Length` and `Transfer-Encoding: chunked`",
              good.Adding("Transfer-Encoding", "chunked"), Status(400)},
+            {"`Transfer-Encoding: chunked` in HTTP/1.0", Chunked("HTTP/1.0", "0\r\n\r\n"),
+             Status(400)},
             {"neither `Content-Length` nor `Transfer-Encoding`", good.Without("Content-Length"),
              Status(411)},
             {"a `Content-Length` of more than 1 MiB", good.With("Content-Length", "1048577"),

@@ -28,6 +28,7 @@ TEST(Framing, FaultsOfTheHead) {
         {"POST", "HTTP/1.1", {length}, 400},
         {"POST", "HTTP/1.1", {host, host, length}, 400},
         {"GET", "HTTP/1.1", {}, 400},
+        {"POST", "HTTP/1.0", {host, {"Transfer-Encoding", "chunked"}}, 400},
         {"POST", "HTTP/1.1", {host, length, length}, 400},
         {"POST", "HTTP/1.1", {host, length, {"content-length", "4"}}, 400},
         {"POST", "HTTP/1.1", {host, length, {"Transfer-Encoding", "chunked"}}, 400},
