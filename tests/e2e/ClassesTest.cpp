@@ -117,6 +117,17 @@ TEST_F(Classes, EnumerateClassNamesBelowAClassAndDeep) {
                 AllOf(Contains("ET_Box"), Contains("ET_Crate")));
 }
 
+TEST_F(Classes, WbemcliShowsAClassWithItsMethods) {
+    EXPECT_THAT(Wbemcli("gcd", "ET_Crate").text,
+                AllOf(HasSubstr(R"(<CLASS NAME="ET_Crate" SUPERCLASS="ET_Box">)"),
+                      HasSubstr(R"(<PROPERTY NAME="Label" TYPE="string">)"),
+                      HasSubstr(R"(<METHOD NAME="Close" TYPE="uint32">)"
+                                R"(<PARAMETER NAME="Force" TYPE="uint8">)")));
+    EXPECT_THAT(Printed("ecn", "ET_Box"), ElementsAre("ET_Crate"));
+    EXPECT_EQ(Failure("dc", "ET_Crate"),
+              "CIM_ERR_NOT_SUPPORTED: requested operation is not supported (DeleteClass)");
+}
+
 TEST_F(Classes, QualifierTypes) {
     const std::string key = Parameter("QualifierName", "<VALUE>key</VALUE>");
     EXPECT_THAT(Post(IntrinsicCall("GetQualifier", key)).body,
