@@ -143,7 +143,6 @@ TEST_F(IntakeTest, InvalidBundleIsReplacedInItsPlaceAndKeepsItsSchedule) {
     EXPECT_EQ(store_.Schedules()[0].bundle, id);
     ASSERT_EQ(store_.Bundles().size(), 1U);
     EXPECT_EQ(store_.Bundles()[0].id, id);
-    EXPECT_EQ(store_.Bundles()[0].faults, "");
     EXPECT_THAT(Held(), testing::ElementsAre(store_.Bundles()[0].file));
 }
 
