@@ -14,6 +14,7 @@ namespace {
 struct Key {
     std::string_view name;
     std::string value;
+    std::string_view asSent; ///< the value with its escape sequences, without quotes
 };
 
 /// The parts of `root/cimv2:Class.Name="text",Number=5`, the first without colon when there is no
@@ -81,13 +82,16 @@ std::optional<Key> TakeKey(std::string_view& rest) {
     Key key;
     key.name = WithoutBlanks(TakeUntil(rest, '='));
     if (!IsQuoted(rest)) {
-        key.value = WithoutBlanks(TakeUntil(rest, ','));
+        key.asSent = WithoutBlanks(TakeUntil(rest, ','));
+        key.value = key.asSent;
         return key;
     }
+    const std::string_view quoted = rest;
     auto value = TakeQuoted(rest);
     if (!value || !(rest.empty() || rest.starts_with(','))) {
         return std::nullopt;
     }
+    key.asSent = quoted.substr(1, quoted.size() - rest.size() - 2);
     rest.remove_prefix(std::min<std::size_t>(1, rest.size()));
     key.value = std::move(*value);
     return key;
@@ -127,7 +131,7 @@ bool IsValueOf(const Element& element, const Key& key) {
     }
     const std::string* type = element.Attribute("VALUETYPE");
     const bool isText = type == nullptr || *type == "string";
-    return isText ? element.text == key.value
+    return isText ? element.text == key.value || element.text == key.asSent
                   : EqualsIgnoringCase(WithoutBlanks(element.text), key.value);
 }
 
@@ -189,6 +193,25 @@ bool IsPathOf(const Element& element, std::string_view text) {
            IsNameOf(element.children[1], *path);
 }
 
+bool IsDecodedObjectOf(const MethodCall& call, std::string_view text) {
+    const Element& object = ObjectOf(call);
+    if (!call.isExtrinsic) {
+        return IsNameSpaceOf(object, text);
+    }
+    const auto path = Split(text);
+    return IsPathOf(object, text) && !path->nameSpace.empty();
+}
+
+/// Some clients leave percent signs as they are in what stands in quotes.
+std::optional<std::string> DecodedBeforeQuotes(std::string_view header) {
+    const std::size_t quote = std::min(header.find('"'), header.size());
+    auto decoded = PercentDecoded(header.substr(0, quote));
+    if (decoded) {
+        decoded->append(header.substr(quote));
+    }
+    return decoded;
+}
+
 } // namespace
 
 const Element& ObjectOf(const MethodCall& call) {
@@ -203,12 +226,10 @@ const Element& ObjectOf(const MethodCall& call) {
 }
 
 bool IsObjectOf(const MethodCall& call, std::string_view header) {
-    const Element& object = ObjectOf(call);
-    if (!call.isExtrinsic) {
-        return IsNameSpaceOf(object, header);
-    }
-    const auto path = Split(header);
-    return IsPathOf(object, header) && !path->nameSpace.empty();
+    const auto decoded = PercentDecoded(header);
+    const auto start = DecodedBeforeQuotes(header);
+    return (decoded && IsDecodedObjectOf(call, *decoded)) ||
+           (start && IsDecodedObjectOf(call, *start));
 }
 
 } // namespace cimserver::cimxml

@@ -63,13 +63,12 @@ void CheckContentType(const Message& message) {
     }
 }
 
-std::string OnlyValue(const Message& message, const std::string& name) {
+std::string_view OnlyValue(const Message& message, const std::string& name) {
     const auto values = ValuesOf(message.headers, name);
-    const auto decoded = values.size() == 1 ? PercentDecoded(values.front()) : std::nullopt;
-    if (!decoded) {
+    if (values.size() != 1) {
         throw HeaderMismatch();
     }
-    return *decoded;
+    return values.front();
 }
 
 } // namespace
@@ -84,7 +83,8 @@ void CheckHeaders(const Message& message, const std::string& prefix) {
 void CheckAgainstHeaders(const MethodCall& call, const Message& message,
                          const std::string& prefix) {
     ObjectOf(call);
-    if (!EqualsIgnoringCase(OnlyValue(message, prefix + "CIMMethod"), call.name) ||
+    const auto method = PercentDecoded(OnlyValue(message, prefix + "CIMMethod"));
+    if (!method || !EqualsIgnoringCase(*method, call.name) ||
         !IsObjectOf(call, OnlyValue(message, prefix + "CIMObject"))) {
         throw HeaderMismatch();
     }

@@ -26,6 +26,20 @@ TEST_F(Changes, AnInstanceIsCreatedModifiedAndDeleted) {
     EXPECT_EQ(Printed("ein", "ET_Item").size(), 2U);
 }
 
+TEST_F(Changes, AKeyBeyondAsciiIsFollowedFromTheListToTheInstance) {
+    const std::string key = "\xC3\xA4 \xE2\x82\xAC/5%";
+    const std::string name = "ET_Item.Id=\"" + key + "\"";
+    EXPECT_THAT(Printed("ci", name, "'Id=\"" + key + "\",Name=\"" + key + "\"'"),
+                ElementsAre(name));
+    EXPECT_THAT(Printed("ein", "ET_Item"), testing::Contains(name));
+    EXPECT_THAT(Printed("gp", name, "Name"), ElementsAre(key));
+    EXPECT_THAT(Wbemcli("cm", name, "Describe").text, testing::HasSubstr("Text=null"));
+    EXPECT_THAT(Printed("di", name), IsEmpty());
+    // What the client prints of a backslash, two of them, it does not take back.
+    Printed("ci", R"(ET_Item.Id="C:\new")", R"('Id="C:\new"')");
+    EXPECT_THAT(Printed("cm", R"(ET_Item.Id="C:\new")", "Silent"), IsEmpty());
+}
+
 TEST_F(Changes, CreateInstanceRefusals) {
     EXPECT_EQ(Failure("ci", one, R"('Id="1"')"),
               "CIM_ERR_ALREADY_EXISTS: object already exists (1)");
