@@ -34,6 +34,8 @@ Section HeaderRows() {
             {"`CIMOperation` empty", good.With("CIMOperation", ""), noOperation},
             {"`CIMOperation: MethodResponse`", good.With("CIMOperation", "MethodResponse"),
              noOperation},
+            {"`CIMOperation` on two lines", good.With("CIMOperation", "\r\n MethodCall"),
+             noOperation},
             {"`CIMOperation` twice", good.Adding("CIMOperation", "MethodCall"), noOperation},
             {"`CIMExport` instead of `CIMOperation`",
              good.Without("CIMOperation").Adding("CIMExport", "MethodRequest"), noOperation},

@@ -35,6 +35,8 @@ Section HttpLibraryRows() {
                 {"`Content-Length: -1`", good.With("Content-Length", "-1"), Status(400)},
                 {"`Content-Length: +5`", good.With("Content-Length", "+5"), Status(400)},
                 {"`Content-Length: 5, 5`", good.With("Content-Length", "5, 5"), Status(400)},
+                {"`Content-Length` with a blank behind it", good.With("Content-Length", "5 "),
+                 Status(400)},
                 {"a `Content-Length` of more than 64 bits",
                  good.With("Content-Length", "99999999999999999999"), Status(413)},
                 {"a chunk whose size is no number", Chunked("HTTP/1.1", "zz\r\nhello\r\n0\r\n\r\n"),
