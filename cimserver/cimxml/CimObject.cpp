@@ -198,8 +198,9 @@ bool IsDecodedObjectOf(const MethodCall& call, std::string_view text) {
     if (!call.isExtrinsic) {
         return IsNameSpaceOf(object, text);
     }
+    const bool isPath = IsPathOf(object, text);
     const auto path = Split(text);
-    return IsPathOf(object, text) && !path->nameSpace.empty();
+    return isPath && path && !path->nameSpace.empty();
 }
 
 /// Some clients leave percent signs as they are in what stands in quotes.
