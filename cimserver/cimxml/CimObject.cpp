@@ -14,7 +14,6 @@ namespace {
 struct Key {
     std::string_view name;
     std::string value;
-    std::string_view asSent; ///< the value with its escape sequences, without quotes
 };
 
 /// The parts of `root/cimv2:Class.Name="text",Number=5`, the first without colon when there is no
@@ -82,16 +81,13 @@ std::optional<Key> TakeKey(std::string_view& rest) {
     Key key;
     key.name = WithoutBlanks(TakeUntil(rest, '='));
     if (!IsQuoted(rest)) {
-        key.asSent = WithoutBlanks(TakeUntil(rest, ','));
-        key.value = key.asSent;
+        key.value = WithoutBlanks(TakeUntil(rest, ','));
         return key;
     }
-    const std::string_view quoted = rest;
     auto value = TakeQuoted(rest);
     if (!value || !(rest.empty() || rest.starts_with(','))) {
         return std::nullopt;
     }
-    key.asSent = quoted.substr(1, quoted.size() - rest.size() - 2);
     rest.remove_prefix(std::min<std::size_t>(1, rest.size()));
     key.value = std::move(*value);
     return key;
@@ -131,7 +127,7 @@ bool IsValueOf(const Element& element, const Key& key) {
     }
     const std::string* type = element.Attribute("VALUETYPE");
     const bool isText = type == nullptr || *type == "string";
-    return isText ? element.text == key.value || element.text == key.asSent
+    return isText ? element.text == key.value
                   : EqualsIgnoringCase(WithoutBlanks(element.text), key.value);
 }
 

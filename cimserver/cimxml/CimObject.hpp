@@ -12,9 +12,8 @@ namespace cimserver::cimxml {
 const Element& ObjectOf(const MethodCall& call);
 
 /// True when `header`, as it was sent, is the object of the call. Names are compared without regard
-/// to case, keys in any order, texts byte for byte; a host is passed over. A text in quotes may
-/// also stand there as it is, without percent signs and escape sequences. Throws ProtocolError when
-/// the call's object does not fit the DTD.
+/// to case, keys in any order, texts byte for byte; a host is passed over. What stands in quotes
+/// need not be percent-encoded. Throws ProtocolError when the call's object does not fit the DTD.
 bool IsObjectOf(const MethodCall& call, std::string_view header);
 
 } // namespace cimserver::cimxml

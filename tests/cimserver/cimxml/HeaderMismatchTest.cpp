@@ -132,12 +132,12 @@ TEST(HeaderMismatch, TextsAreComparedByteForByteWhateverTheyHold) {
               {R"(root/cimv2:ZNX_A.Id="a")", false});
 }
 
-TEST(HeaderMismatch, TextsInQuotesMayStandAsTheyAre) {
+TEST(HeaderMismatch, TextsInQuotesNeedNoPercentSigns) {
     for (const auto& [text, header, fits] :
          {std::tuple("5%", R"("5%")", true), std::tuple("5%", R"("5%25")", true),
           std::tuple("5%", R"(%225%25%22)", true), std::tuple("5%41", R"("5%41")", true),
           std::tuple("5A", R"("5%41")", true), std::tuple("5a", R"("5%41")", false),
-          std::tuple(R"(C:\new)", R"("C:\new")", true),
+          std::tuple(R"(C:\new)", R"("C:\new")", false),
           std::tuple(R"(C:\new)", R"("C:\\new")", true),
           std::tuple(R"(C:\new)", R"("C:new")", false), std::tuple("5%", R"("6%")", false)}) {
         ExpectFit(OnInstance(Binding("Id", "string", text)), "Run",
