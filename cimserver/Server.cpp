@@ -23,7 +23,7 @@ class AnswerOutput final : public cimxml::Output {
 public:
     explicit AnswerOutput(http::Answer& answer) : answer_(answer) {}
     void Head(const cimxml::Status& status) override {
-        answer_.SetHead({status.httpStatus, AsHeaders(status.headers), cimxml::trailerNames});
+        answer_.SetHead({status.httpStatus, AsHeaders(status.headers), status.trailerNames});
     }
     void Write(std::string_view text) override { answer_.Append(text); }
     bool HasLeft() const override { return answer_.HasLeft(); }

@@ -1,6 +1,7 @@
 #include "cimserver/cimxml/AnswerWriter.hpp"
 #include "cimserver/cimxml/CallReader.hpp"
 #include "cimserver/cimxml/CimXml.hpp"
+#include "cimserver/cimxml/Extension.hpp"
 #include "cimserver/cimxml/Headers.hpp"
 #include "cimserver/cimxml/ProtocolError.hpp"
 
@@ -38,13 +39,26 @@ void AnswerCall(const MethodCall& call, const Message& message, operations::Exec
     }
 }
 
+void AnswerRequest(const Message& message, const std::string& prefix,
+                   operations::Executor& executor, Output& output) {
+    try {
+        CheckHeaders(message, prefix);
+        const Element root = ParseXml(message.body);
+        const MethodCall call = ReadMethodCall(root);
+        CheckAgainstHeaders(call, message, prefix);
+        AnswerCall(call, message, executor, output);
+    } catch (const ProtocolError& error) {
+        output.Head(error.AsStatus());
+    }
+}
+
 } // namespace
 
 void Answer(const Message& message, operations::Executor& executor, Output& output) {
     try {
-        CheckHeaders(message);
-        const Element root = ParseXml(message.body);
-        AnswerCall(ReadMethodCall(root), message, executor, output);
+        const Extension extension = ExtensionOf(message);
+        ExtendedOutput extended(output, extension);
+        AnswerRequest(message, extension.prefix, executor, extended);
     } catch (const ProtocolError& error) {
         output.Head(error.AsStatus());
     }

@@ -50,7 +50,7 @@ void AnswerWriter::Fail(const CIMException& error) {
     xml_.Markup("<ERROR CODE=\"");
     xml_.Number(static_cast<int>(error.getErrNo()));
     xml_.Markup("\" DESCRIPTION=\"");
-    xml_.Text(error.getMessage());
+    xml_.Attribute(error.getMessage());
     xml_.Markup("\"></ERROR>");
     CloseEnvelope();
 }
@@ -58,10 +58,10 @@ void AnswerWriter::Fail(const CIMException& error) {
 void AnswerWriter::OpenEnvelope() {
     xml_.Markup("<?xml version=\"1.0\" encoding=\"utf-8\"?>\n"
                 "<CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.0\"><MESSAGE ID=\"");
-    xml_.Text(request_.messageId);
+    xml_.Attribute(request_.messageId);
     xml_.Markup("\" PROTOCOLVERSION=\"1.0\"><SIMPLERSP>");
     xml_.Markup(request_.isExtrinsic ? "<METHODRESPONSE NAME=\"" : "<IMETHODRESPONSE NAME=\"");
-    xml_.Text(request_.methodName);
+    xml_.Attribute(request_.methodName);
     xml_.Markup("\">");
 }
 
@@ -108,6 +108,10 @@ void AnswerWriter::Class(const OpenWBEM::CIMClass& cimClass) {
 
 void AnswerWriter::ClassName(const OpenWBEM::String& name) {
     WriteResult([&] { WriteClassName(xml_, name); });
+}
+
+void AnswerWriter::QualifierType(const OpenWBEM::CIMQualifierType& qualifier) {
+    WriteResult([&] { WriteQualifierType(xml_, qualifier); });
 }
 
 void AnswerWriter::Instance(const OpenWBEM::CIMInstance& instance) {

@@ -41,6 +41,7 @@ public:
 
     void Class(const OpenWBEM::CIMClass& cimClass) override;
     void ClassName(const OpenWBEM::String& name) override;
+    void QualifierType(const OpenWBEM::CIMQualifierType& qualifier) override;
     void Instance(const OpenWBEM::CIMInstance& instance) override;
     void NamedInstance(const OpenWBEM::CIMInstance& instance) override;
     void InstanceName(const OpenWBEM::CIMObjectPath& path) override;

@@ -5,10 +5,13 @@
 #include "cimserver/cimxml/ProtocolError.hpp"
 #include "cimserver/cimxml/ReadValues.hpp"
 
+#include "OW_CIMException.hpp"
+
 #include <tuple>
 
 namespace cimserver::cimxml {
 
+using OpenWBEM::CIMException;
 using OpenWBEM::String;
 
 namespace {
@@ -40,6 +43,14 @@ operations::Call ReadEnumerateClassNames(Parameters& parameters) {
     parameters.ReadClassName("ClassName", call.className);
     parameters.ReadFlag("DeepInheritance", call.deepInheritance);
     return call;
+}
+
+operations::Call ReadGetQualifier(Parameters& parameters) {
+    return operations::GetQualifier{parameters.RequiredText("QualifierName")};
+}
+
+operations::Call ReadEnumerateQualifiers(Parameters& /*parameters*/) {
+    return operations::EnumerateQualifiers{};
 }
 
 operations::Call ReadGetInstance(Parameters& parameters) {
@@ -156,6 +167,8 @@ constexpr Operation intrinsicOperations[] = {
     {"GetClass", &ReadGetClass},
     {"EnumerateClasses", &ReadEnumerateClasses},
     {"EnumerateClassNames", &ReadEnumerateClassNames},
+    {"GetQualifier", &ReadGetQualifier},
+    {"EnumerateQualifiers", &ReadEnumerateQualifiers},
     {"GetInstance", &ReadGetInstance},
     {"EnumerateInstances", &ReadEnumerateInstances},
     {"EnumerateInstanceNames", &ReadEnumerateInstanceNames},
@@ -183,32 +196,40 @@ operations::Call ReadIntrinsicCall(const MethodCall& call) {
     return operations::OtherOperation{name};
 }
 
-/// The first child names the namespace of an intrinsic call, the object of an extrinsic one.
-const Element& FirstChild(const Element& call) {
-    if (call.children.empty()) {
+const Element& FirstChild(const Element& element) {
+    if (element.children.empty()) {
         throw NotLooselyValid();
     }
-    return call.children.front();
+    return element.children.front();
 }
 
-operations::Request ReadExtrinsicCall(const MethodCall& call) {
+/// Where the call's first child is: the namespace itself, or the path of an object in it.
+const Element& NameSpacePathOf(const MethodCall& call) {
+    const Element& place = FirstChild(*call.element);
+    return call.isExtrinsic ? FirstChild(place) : place;
+}
+
+operations::Call ReadExtrinsicCall(const MethodCall& call) {
     operations::InvokeMethod result;
     result.objectName = ReadLocalPath(FirstChild(*call.element));
     result.methodName = call.name.c_str();
     for (std::size_t i = 1; i < call.element->children.size(); ++i) {
         result.parameters.push_back(ReadParameter(call.element->children[i]));
     }
-    return {result.objectName.getNameSpace(), {}, result};
+    return result;
 }
 
 } // namespace
 
 operations::Request ReadRequest(const MethodCall& call) {
-    if (call.isExtrinsic) {
-        return ReadExtrinsicCall(call);
+    operations::Request request;
+    request.nameSpace = ReadNameSpace(NameSpacePathOf(call));
+    try {
+        request.call = call.isExtrinsic ? ReadExtrinsicCall(call) : ReadIntrinsicCall(call);
+    } catch (const CIMException& error) {
+        request.call = operations::FaultyCall{error};
     }
-    const String nameSpace = ReadNameSpace(FirstChild(*call.element));
-    return {nameSpace, {}, ReadIntrinsicCall(call)};
+    return request;
 }
 
 } // namespace cimserver::cimxml

@@ -7,8 +7,8 @@
 namespace cimserver::cimxml {
 
 /// Names of operations and parameters are taken in any case. Throws ProtocolError when the elements
-/// do not fit the DTD, and CIMException INVALID_PARAMETER, which names it, for a parameter that is
-/// unknown, given twice, missing or of the wrong type. The user is left empty.
+/// do not fit the DTD. A parameter that is unknown, given twice, missing or of the wrong type makes
+/// it a FaultyCall with INVALID_PARAMETER and a text that names it. The user is left empty.
 operations::Request ReadRequest(const MethodCall& call);
 
 } // namespace cimserver::cimxml

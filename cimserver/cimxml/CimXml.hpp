@@ -25,10 +25,9 @@ struct Message {
 struct Status {
     int httpStatus = 200;
     HeaderList headers;
+    /// Of those that may follow the text (DMTF DSP0200), as a Trailer header lists them.
+    std::string trailerNames = "CIMStatusCode, CIMStatusCodeDescription";
 };
-
-/// The trailers that may follow an answer's text (DMTF DSP0200), as a Trailer header lists them.
-inline constexpr const char* trailerNames = "CIMStatusCode, CIMStatusCodeDescription";
 
 /// Where the answer goes. One thread at a time.
 class Output {

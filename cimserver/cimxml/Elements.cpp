@@ -42,7 +42,8 @@ void WriteArraySize(XmlBuffer& xml, const CIMDataType& type) {
 }
 
 /// Flavors that nobody stated have the defaults of the DTD and are left out.
-void WriteFlavors(XmlBuffer& xml, const CIMQualifier& qualifier) {
+template <class Qualifier>
+void WriteFlavors(XmlBuffer& xml, const Qualifier& qualifier) {
     if (qualifier.hasFlavor(CIMFlavor::DISABLEOVERRIDE)) {
         xml.Markup(" OVERRIDABLE=\"false\"");
     } else if (qualifier.hasFlavor(CIMFlavor::ENABLEOVERRIDE)) {
@@ -147,6 +148,25 @@ void WriteMethod(XmlBuffer& xml, const CIMMethod& method) {
     xml.Markup("</METHOD>");
 }
 
+void WriteScope(XmlBuffer& xml, const CIMQualifierType& qualifier) {
+    constexpr std::pair<CIMScope::Scope, std::string_view> attributes[] = {
+        {CIMScope::CLASS, " CLASS=\"true\""},
+        {CIMScope::ASSOCIATION, " ASSOCIATION=\"true\""},
+        {CIMScope::REFERENCE, " REFERENCE=\"true\""},
+        {CIMScope::PROPERTY, " PROPERTY=\"true\""},
+        {CIMScope::METHOD, " METHOD=\"true\""},
+        {CIMScope::PARAMETER, " PARAMETER=\"true\""},
+        {CIMScope::INDICATION, " INDICATION=\"true\""},
+    };
+    xml.Markup("<SCOPE");
+    for (const auto& [scope, attribute] : attributes) {
+        if (qualifier.hasScope(scope) || qualifier.hasScope(CIMScope::ANY)) {
+            xml.Markup(attribute);
+        }
+    }
+    xml.Markup("></SCOPE>");
+}
+
 } // namespace
 
 void WritePropertyStart(XmlBuffer& xml, const CIMProperty& property, Shape shape) {
@@ -198,6 +218,21 @@ void WriteClass(XmlBuffer& xml, const CIMClass& cimClass) {
         WriteMethod(xml, method);
     }
     xml.Markup("</CLASS>");
+}
+
+void WriteQualifierType(XmlBuffer& xml, const CIMQualifierType& qualifier) {
+    const CIMDataType type = qualifier.getDataType();
+    WriteName(xml, "<QUALIFIER.DECLARATION NAME=\"", "A qualifier", qualifier.getName());
+    xml.Markup(TypeAttribute(type.getType()));
+    xml.Markup(type.isArrayType() ? " ISARRAY=\"true\"" : " ISARRAY=\"false\"");
+    WriteArraySize(xml, type);
+    WriteFlavors(xml, qualifier);
+    xml.Markup(">");
+    WriteScope(xml, qualifier);
+    if (const CIMValue value = qualifier.getDefaultValue()) {
+        WriteValue(xml, value, ShapeOf(value));
+    }
+    xml.Markup("</QUALIFIER.DECLARATION>");
 }
 
 } // namespace cimserver::cimxml

@@ -24,4 +24,7 @@ void WriteInstanceStart(XmlBuffer& xml, const OpenWBEM::String& className,
 /// CLASS.
 void WriteClass(XmlBuffer& xml, const OpenWBEM::CIMClass& cimClass);
 
+/// QUALIFIER.DECLARATION.
+void WriteQualifierType(XmlBuffer& xml, const OpenWBEM::CIMQualifierType& qualifier);
+
 } // namespace cimserver::cimxml

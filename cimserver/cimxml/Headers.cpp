@@ -1,6 +1,7 @@
 #include "cimserver/cimxml/Headers.hpp"
 
-#include "cimserver/cimxml/MethodCall.hpp"
+#include "cimserver/cimxml/CimObject.hpp"
+#include "cimserver/cimxml/HeaderText.hpp"
 #include "cimserver/cimxml/ProtocolError.hpp"
 
 #include <algorithm>
@@ -9,49 +10,83 @@ namespace cimserver::cimxml {
 
 namespace {
 
-char Lower(char letter) {
-    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+[[noreturn]] void RefuseMediaType() {
+    throw ProtocolError(Status{415, {}});
 }
 
-bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [](char left, char right) { return Lower(left) == Lower(right); });
-}
-
-const std::string* Find(const HeaderList& headers, std::string_view name) {
-    const auto found = std::find_if(headers.begin(), headers.end(), [&](const auto& header) {
-        return EqualsIgnoringCase(header.first, name);
-    });
-    return found == headers.end() ? nullptr : &found->second;
-}
-
-/// The prefix of the CIM headers, such as `23-`: an M-POST request names it in its Man header as
-/// `ns=23` (RFC 2774).
-std::string PrefixOf(const Message& message) {
-    const std::string* man = message.method == "M-POST" ? Find(message.headers, "Man") : nullptr;
-    const std::size_t start = man == nullptr ? std::string::npos : man->find("ns=");
-    if (start == std::string::npos) {
-        return {};
+void CheckOperation(const Message& message, const std::string& prefix) {
+    const auto operations = ValuesOf(message.headers, prefix + "CIMOperation");
+    if (operations.size() != 1 || !EqualsIgnoringCase(operations.front(), "MethodCall")) {
+        throw UnsupportedOperation();
     }
-    const std::size_t first = start + 3;
-    const std::size_t end = std::min(man->find_first_not_of("0123456789", first), man->size());
-    return man->substr(first, end - first) + "-";
+}
+
+void CheckProtocolVersion(const Message& message, const std::string& prefix) {
+    for (const std::string_view version :
+         ValuesOf(message.headers, prefix + "CIMProtocolVersion")) {
+        if (!IsVersion(version, '1')) {
+            throw ProtocolError(501, "unsupported-protocol-version");
+        }
+    }
+}
+
+void CheckBatch(const Message& message, const std::string& prefix) {
+    if (!ValuesOf(message.headers, prefix + "CIMBatch").empty()) {
+        throw MultipleRequests();
+    }
+}
+
+bool IsUtf8(std::string_view parameter) {
+    const std::size_t equals = std::min(parameter.find('='), parameter.size());
+    if (!EqualsIgnoringCase(WithoutBlanks(parameter.substr(0, equals)), "charset")) {
+        return true;
+    }
+    const std::string_view value = parameter.substr(std::min(equals + 1, parameter.size()));
+    return EqualsIgnoringCase(WithoutQuotes(WithoutBlanks(value)), "utf-8");
+}
+
+/// A body without Content-Type is taken as XML in UTF-8.
+void CheckContentType(const Message& message) {
+    for (const std::string_view value : ValuesOf(message.headers, "Content-Type")) {
+        const auto parts = Parts(value, ';');
+        const bool isXml =
+            !parts.empty() && (EqualsIgnoringCase(parts.front(), "application/xml") ||
+                               EqualsIgnoringCase(parts.front(), "text/xml"));
+        if (!isXml || !std::all_of(parts.begin() + 1, parts.end(), IsUtf8)) {
+            RefuseMediaType();
+        }
+    }
+    for (const std::string_view coding : ValuesOf(message.headers, "Content-Encoding")) {
+        if (!EqualsIgnoringCase(coding, "identity")) {
+            RefuseMediaType();
+        }
+    }
+}
+
+std::string_view OnlyValue(const Message& message, const std::string& name) {
+    const auto values = ValuesOf(message.headers, name);
+    if (values.size() != 1) {
+        throw HeaderMismatch();
+    }
+    return values.front();
 }
 
 } // namespace
 
-void CheckHeaders(const Message& message) {
-    if (message.method != "POST" && message.method != "M-POST") {
-        throw ProtocolError(Status{405, {{"Allow", "POST, M-POST"}}});
-    }
-    const std::string prefix = PrefixOf(message);
-    const std::string* operation = Find(message.headers, prefix + "CIMOperation");
-    if (operation == nullptr || !EqualsIgnoringCase(*operation, "MethodCall")) {
-        throw UnsupportedOperation();
-    }
-    const std::string* version = Find(message.headers, prefix + "CIMProtocolVersion");
-    if (version != nullptr && !IsVersion(*version, '1')) {
-        throw ProtocolError(501, "unsupported-protocol-version");
+void CheckHeaders(const Message& message, const std::string& prefix) {
+    CheckOperation(message, prefix);
+    CheckProtocolVersion(message, prefix);
+    CheckContentType(message);
+    CheckBatch(message, prefix);
+}
+
+void CheckAgainstHeaders(const MethodCall& call, const Message& message,
+                         const std::string& prefix) {
+    ObjectOf(call);
+    const auto method = PercentDecoded(OnlyValue(message, prefix + "CIMMethod"));
+    if (!method || !EqualsIgnoringCase(*method, call.name) ||
+        !IsObjectOf(call, OnlyValue(message, prefix + "CIMObject"))) {
+        throw HeaderMismatch();
     }
 }
 

@@ -1,5 +1,6 @@
 #include "cimserver/cimxml/MethodCall.hpp"
 
+#include "cimserver/cimxml/DtdNames.hpp"
 #include "cimserver/cimxml/ProtocolError.hpp"
 
 #include <algorithm>
@@ -18,7 +19,7 @@ void RequireVersion(const std::string& version, char major, const char* cimError
 const Element& RequestOf(const Element& message) {
     const Element& request = message.OnlyChild();
     if (request.name == "MULTIREQ") {
-        throw ProtocolError(501, "multiple-requests-unsupported");
+        throw MultipleRequests();
     }
     if (request.name == "SIMPLEEXPREQ" || request.name == "MULTIEXPREQ") {
         throw UnsupportedOperation();
@@ -38,6 +39,18 @@ const Element& CallOf(const Element& request) {
         throw NotLooselyValid();
     }
     return *call;
+}
+
+/// Text stands only where the DTD has text, and elements not where it has none.
+void CheckContent(const Element& element) {
+    const bool isBlank = element.text.find_first_not_of(" \t\r\n") == std::string::npos;
+    if ((!isBlank && !HoldsText(element.name)) ||
+        (!element.children.empty() && HoldsNoElements(element.name))) {
+        throw NotLooselyValid();
+    }
+    for (const Element& child : element.children) {
+        CheckContent(child);
+    }
 }
 
 } // namespace
@@ -60,6 +73,7 @@ MethodCall ReadMethodCall(const Element& root) {
     RequireVersion(message.RequiredAttribute("PROTOCOLVERSION"), '1',
                    "unsupported-protocol-version");
     const Element& call = CallOf(RequestOf(message));
+    CheckContent(root);
     return {id, call.RequiredAttribute("NAME"), call.name == "METHODCALL", &call};
 }
 

@@ -33,6 +33,12 @@ inline ProtocolError NotLooselyValid() {
 inline ProtocolError NotValid() {
     return {400, "request-not-valid"};
 }
+inline ProtocolError HeaderMismatch() {
+    return {400, "header-mismatch"};
+}
+inline ProtocolError MultipleRequests() {
+    return {501, "multiple-requests-unsupported"};
+}
 inline ProtocolError UnsupportedOperation() {
     return {400, "unsupported-operation"};
 }

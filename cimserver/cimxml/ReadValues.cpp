@@ -35,8 +35,8 @@ String TextFor(CIMDataType::Type type, const Element& value, const String& what)
 CIMValue Converted(const CIMValue& text, const CIMDataType& type, const String& what) {
     try {
         return CIMValueCast::castValueToDataType(text, type);
-    } catch (const Exception& error) {
-        Refuse(what + ": " + error.getMessage());
+    } catch (const Exception&) {
+        Refuse(what + ": \"" + text.toString() + "\" is no " + type.toString());
     }
 }
 

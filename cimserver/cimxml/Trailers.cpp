@@ -18,14 +18,28 @@ std::string EncodedByte(char byte) {
     return {'%', digits[number >> 4U], digits[number & 0xFU]};
 }
 
+/// The first character of UTF-8, with the bytes that continue it.
+std::string_view FirstCharacter(std::string_view text) {
+    std::size_t length = 1;
+    while (length < text.size() && (static_cast<unsigned char>(text[length]) & 0xC0U) == 0x80U) {
+        ++length;
+    }
+    return text.substr(0, length);
+}
+
 std::string OnOneLine(std::string_view text) {
     std::string line;
-    for (const char byte : text) {
-        const std::string encoded = EncodedByte(byte);
+    while (!text.empty()) {
+        const std::string_view character = FirstCharacter(text);
+        std::string encoded;
+        for (const char byte : character) {
+            encoded += EncodedByte(byte);
+        }
         if (line.size() + encoded.size() > longestText) {
             break;
         }
         line += encoded;
+        text.remove_prefix(character.size());
     }
     return line;
 }

@@ -1,5 +1,6 @@
 // An error that is found when part of the answer has left already (DMTF DSP0200, on chunked
-// responses).
+// responses). The standard's third trailer, CIMError, is for requests that are no call of an
+// operation; these are refused before anything leaves.
 #pragma once
 
 #include "cimserver/cimxml/CimXml.hpp"
@@ -10,7 +11,7 @@ namespace cimserver::cimxml {
 
 /// The error's number and its text on one line: line breaks are blanks; what cannot stand in a
 /// header, bytes above ASCII and the percent sign are written as `%` and two hexadecimal digits.
-/// At most 4,096 bytes of it; the rest is cut off.
+/// At most 4,096 bytes of it; the rest is cut off between two characters.
 HeaderList TrailersOf(const OpenWBEM::CIMException& error);
 
 } // namespace cimserver::cimxml

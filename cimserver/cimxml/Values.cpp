@@ -76,7 +76,7 @@ void WriteLocalNameSpacePath(XmlBuffer& xml, const CIMObjectPath& path) {
     while (!rest.empty()) {
         const std::size_t end = std::min(rest.find('/'), rest.size());
         xml.Markup("<NAMESPACE NAME=\"");
-        xml.Text(rest.substr(0, end));
+        xml.Attribute(rest.substr(0, end));
         xml.Markup("\"></NAMESPACE>");
         rest.remove_prefix(std::min(end + 1, rest.size()));
     }
@@ -230,7 +230,7 @@ void WriteInstanceNameTag(XmlBuffer& xml, const String& className) {
 
 void WriteAttribute(XmlBuffer& xml, std::string_view start, const String& value) {
     xml.Markup(start);
-    xml.Text(View(value));
+    xml.Attribute(View(value));
     xml.Markup("\"");
 }
 

@@ -15,7 +15,7 @@ constexpr std::array<bool, 256> PlainBytes() {
     for (std::size_t byte = 0x20; byte < 0x80; ++byte) {
         plain[byte] = byte != '<' && byte != '>' && byte != '&' && byte != '"';
     }
-    plain['\t'] = plain['\n'] = plain['\r'] = true;
+    plain['\t'] = plain['\n'] = true;
     return plain;
 }
 
@@ -44,7 +44,8 @@ bool MayHoldSpecial(std::uint64_t bytes) {
     return ((bytes | controls | angles | quoteOrAnd) & InEveryByte(0x80)) != 0;
 }
 
-/// True only when all bytes are plain. The last eight may have been looked at already.
+/// True only when all bytes are plain and there is no tab and no line end. The last eight may have
+/// been looked at already.
 bool IsPlain(std::string_view bytes) {
     const char* at = bytes.data();
     const char* const end = at + bytes.size();
@@ -59,8 +60,9 @@ bool IsPlain(std::string_view bytes) {
     if (bytes.size() >= 4) {
         return !MayHoldSpecial(Load<std::uint32_t>(at) | Load<std::uint32_t>(end - 4) << 32);
     }
-    return std::all_of(at, end,
-                       [](char byte) { return isPlain[static_cast<unsigned char>(byte)]; });
+    return std::all_of(at, end, [](char byte) {
+        return byte >= ' ' && isPlain[static_cast<unsigned char>(byte)];
+    });
 }
 
 const char* EndOfPlain(const char* at, const char* end) {
@@ -126,6 +128,8 @@ std::string_view EntityFor(char byte) {
         return "&amp;";
     case '"':
         return "&quot;";
+    case '\r':
+        return "&#13;";
     default:
         return replacement;
     }
@@ -158,6 +162,22 @@ void XmlBuffer::Text(std::string_view bytes) {
         const char* const plainEnd = EndOfPlain(at, end);
         Markup({at, static_cast<std::size_t>(plainEnd - at)});
         at = plainEnd == end ? end : Special(plainEnd, end);
+    }
+}
+
+void XmlBuffer::Attribute(std::string_view bytes) {
+    if (IsPlain(bytes)) {
+        Markup(bytes);
+        return;
+    }
+    while (!bytes.empty()) {
+        const std::size_t end = std::min(bytes.find_first_of("\t\n"), bytes.size());
+        Text(bytes.substr(0, end));
+        bytes.remove_prefix(end);
+        if (!bytes.empty()) {
+            Markup(bytes.front() == '\t' ? "&#9;" : "&#10;");
+            bytes.remove_prefix(1);
+        }
     }
 }
 

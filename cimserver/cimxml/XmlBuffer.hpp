@@ -27,10 +27,15 @@ public:
         }
     }
 
-    /// Any bytes as character data or as an attribute's value in double quotes. What has a meaning
-    /// in markup is written as one of the five predefined entities; what XML 1.0 or UTF-8 does not
-    /// allow becomes U+FFFD, once for each maximal part of a sequence (Unicode, chapter 3.9).
+    /// Any bytes as character data. What has a meaning in markup is written as one of the five
+    /// predefined entities, a carriage return, which a parser would turn into a line feed, as a
+    /// character reference; what XML 1.0 or UTF-8 does not allow becomes U+FFFD, once for each
+    /// maximal part of a sequence (Unicode, chapter 3.9).
     void Text(std::string_view bytes);
+
+    /// The same as an attribute's value in double quotes: there tabs and line feeds are character
+    /// references too, because a parser would turn them into blanks (XML 1.0, 3.3.3).
+    void Attribute(std::string_view bytes);
 
     template <class Integer>
     void Number(Integer number) {

@@ -1,5 +1,6 @@
 #include "cimserver/cimxml/XmlTree.hpp"
 
+#include "cimserver/cimxml/DtdNames.hpp"
 #include "cimserver/cimxml/ProtocolError.hpp"
 
 #include <limits>
@@ -43,6 +44,9 @@ public:
         if (status != XML_STATUS_OK) {
             throw NotWellFormed();
         }
+        if (document_.children.empty()) {
+            throw NotLooselyValid();
+        }
         return std::move(document_.children.front());
     }
 
@@ -53,7 +57,7 @@ private:
         static_cast<TreeBuilder*>(self)->StartElement(name, attributes);
     }
     static void XMLCALL End(void* self, const XML_Char* /*name*/) {
-        static_cast<TreeBuilder*>(self)->open_.pop_back();
+        static_cast<TreeBuilder*>(self)->EndElement();
     }
     static void XMLCALL Text(void* self, const XML_Char* text, int length) {
         static_cast<TreeBuilder*>(self)->AddText({text, static_cast<std::size_t>(length)});
@@ -70,8 +74,13 @@ private:
 
     void StartElement(const XML_Char* name, const XML_Char** attributes) {
         try {
-            if (++count_ > limits_.elements || open_.size() > limits_.depth) {
+            if (++count_ > limits_.elements || open_.size() + unknownDepth_ > limits_.depth ||
+                !AreAllowed(attributes)) {
                 return StopWith(Stop::Refused);
+            }
+            if (unknownDepth_ > 0 || !IsDtdElement(name)) {
+                ++unknownDepth_;
+                return;
             }
             Element& element = open_.back()->children.emplace_back();
             open_.push_back(&element);
@@ -79,15 +88,31 @@ private:
             for (; *attributes != nullptr; attributes += 2) {
                 element.attributes.emplace_back(attributes[0], attributes[1]);
             }
-            if (element.attributes.size() > limits_.attributes) {
-                StopWith(Stop::Refused);
-            }
         } catch (const std::bad_alloc&) {
             StopWith(Stop::OutOfMemory);
         }
     }
 
+    bool AreAllowed(const XML_Char** attributes) const {
+        std::size_t count = 0;
+        while (attributes[2 * count] != nullptr) {
+            ++count;
+        }
+        return count <= limits_.attributes;
+    }
+
+    void EndElement() {
+        if (unknownDepth_ > 0) {
+            --unknownDepth_;
+        } else {
+            open_.pop_back();
+        }
+    }
+
     void AddText(std::string_view text) {
+        if (unknownDepth_ > 0) {
+            return;
+        }
         try {
             open_.back()->text += text;
         } catch (const std::bad_alloc&) {
@@ -98,7 +123,8 @@ private:
     const XmlLimits& limits_;
     std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser_;
     Element document_;
-    std::vector<Element*> open_; ///< each the last child of the one before
+    std::vector<Element*> open_;   ///< each the last child of the one before
+    std::size_t unknownDepth_ = 0; ///< how many elements the DTD does not know are open
     std::size_t count_ = 0;
     Stop stop_ = Stop::No;
 };

@@ -31,8 +31,9 @@ struct XmlLimits {
     std::size_t elements = 20'000;
 };
 
-/// Throws ProtocolError: not well-formed; or a document type declaration or more than a limit
-/// allows.
+/// The document without the elements that the DTD does not know, which a loosely valid one may hold
+/// (DMTF DSP0200). Throws ProtocolError: not well-formed; nothing that the DTD knows; a document
+/// type declaration or more than a limit allows.
 Element ParseXml(std::string_view text, const XmlLimits& limits = {});
 
 } // namespace cimserver::cimxml

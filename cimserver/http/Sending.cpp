@@ -81,7 +81,9 @@ MHD_Result Send(MHD_Connection* connection, const std::shared_ptr<AnswerInTransi
     }
     const Head& head = answer->ItsHead();
     for (const Header& header : head.headers) {
-        MHD_add_response_header(response, header.name.c_str(), header.value.c_str());
+        // The HTTP library takes no empty value; a blank means the same (RFC 9110, 5.5).
+        const char* value = header.value.empty() ? " " : header.value.c_str();
+        MHD_add_response_header(response, header.name.c_str(), value);
     }
     if (answer->Streams() && !head.trailerNames.empty()) {
         MHD_add_response_header(response, MHD_HTTP_HEADER_TRAILER, head.trailerNames.c_str());

@@ -1,4 +1,5 @@
 #include "cimserver/http/Exchange.hpp"
+#include "cimserver/http/Framing.hpp"
 #include "cimserver/http/Http.hpp"
 #include "cimserver/http/ListeningSocket.hpp"
 #include "cimserver/http/Sending.hpp"
@@ -74,7 +75,8 @@ struct Server::Daemon {
     static void End(void* self, MHD_Connection* connection, void** state,
                     MHD_RequestTerminationCode reason);
 
-    MHD_Result TakeHead(MHD_Connection* connection, const char* method, Exchange& exchange) const;
+    MHD_Result TakeHead(MHD_Connection* connection, const char* method, const char* version,
+                        Exchange& exchange) const;
     MHD_Result TakeBody(Exchange& exchange, const char* data, std::size_t& size) const;
     MHD_Result AnswerRequest(MHD_Connection* connection, const char* version,
                              Exchange& exchange) const;
@@ -137,7 +139,7 @@ MHD_Result Server::Daemon::Receive(void* self, MHD_Connection* connection, const
     try {
         if (!exchange->begun) {
             exchange->begun = true;
-            return daemon.TakeHead(connection, method, *exchange);
+            return daemon.TakeHead(connection, method, version, *exchange);
         }
         if (*size != 0) {
             return daemon.TakeBody(*exchange, data, *size);
@@ -149,10 +151,13 @@ MHD_Result Server::Daemon::Receive(void* self, MHD_Connection* connection, const
 }
 
 MHD_Result Server::Daemon::TakeHead(MHD_Connection* connection, const char* method,
-                                    Exchange& exchange) const {
+                                    const char* version, Exchange& exchange) const {
     exchange.request.method = method;
     exchange.request.clientAddress = ClientAddress(connection);
     MHD_get_connection_values(connection, MHD_HEADER_KIND, &AddHeader, &exchange.request.headers);
+    if (const auto fault = FramingFault(exchange.request, version)) {
+        return SendBareStatus(connection, static_cast<unsigned>(*fault));
+    }
     if (AnnouncedLength(connection) > settings.maxBodyBytes) {
         return SendBareStatus(connection, MHD_HTTP_CONTENT_TOO_LARGE);
     }

@@ -1,6 +1,7 @@
 #include "cimserver/operations/Changes.hpp"
 
 #include "cimserver/operations/Classes.hpp"
+#include "cimserver/operations/Conversions.hpp"
 #include "cimserver/operations/Flags.hpp"
 #include "cimserver/operations/Providers.hpp"
 
@@ -60,7 +61,7 @@ CIMInstance Modified(const ModifyInstance& call, const CIMClass& cimClass) {
     for (const CIMProperty& key : keys) {
         instance.setProperty(key);
     }
-    instance.syncWithClass(cimClass);
+    SyncWithClass(instance, cimClass);
     if (!call.properties) {
         return instance;
     }
@@ -95,7 +96,7 @@ CIMProperty WithValue(CIMProperty property, const OpenWBEM::CIMValue& value) {
     try {
         property.setValue(value);
     } catch (const OpenWBEM::Exception& error) {
-        OW_THROWCIMMSG(CIMException::TYPE_MISMATCH, error.getMessage());
+        RethrowNaming("Property " + property.getName(), error, CIMException::TYPE_MISMATCH);
     }
     return property;
 }
@@ -110,7 +111,7 @@ void Carry(const CreateInstance& call, const Surroundings& around, ResultSink& s
             "Unable to create instance because class (" + instance.getClassName() + ") is abstract";
         OW_THROWCIMMSG(CIMException::INVALID_PARAMETER, text.c_str());
     }
-    instance.syncWithClass(cimClass);
+    SyncWithClass(instance, cimClass);
     const bool hasProvider =
         AskProvider(cimClass, around, "CreateInstance", [&](auto& provider, const auto& env) {
             const CIMObjectPath path = provider.createInstance(env, around.nameSpace, instance);

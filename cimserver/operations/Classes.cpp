@@ -33,7 +33,8 @@ const OpenWBEM::CIMClass& FindClass(const mof::Schema& schema, const OpenWBEM::S
 
 void Carry(const GetClass& call, const mof::Schema& schema, const OpenWBEM::String& nameSpace,
            ResultSink& sink) {
-    const auto& cimClass = FindClass(schema, nameSpace, call.className);
+    const auto& cimClass =
+        FindClass(schema, nameSpace, call.className, OpenWBEM::CIMException::NOT_FOUND);
     sink.Class(cimClass.clone(LocalOnly(call.localOnly), IncludeQualifiers(call.includeQualifiers),
                               IncludeClassOrigin(call.includeClassOrigin),
                               Pointer(call.properties)));
@@ -52,6 +53,23 @@ void Carry(const EnumerateClassNames& call, const mof::Schema& schema,
            const OpenWBEM::String& nameSpace, ResultSink& sink) {
     for (const auto* cimClass : Below(schema, nameSpace, call.className, call.deepInheritance)) {
         sink.ClassName(cimClass->getName());
+    }
+}
+
+void Carry(const GetQualifier& call, const mof::Schema& schema,
+           const OpenWBEM::String& /*nameSpace*/, ResultSink& sink) {
+    const auto* qualifier = schema.FindQualifier(call.qualifierName);
+    if (qualifier == nullptr) {
+        const OpenWBEM::String text = "qualifier " + call.qualifierName;
+        OW_THROWCIMMSG(OpenWBEM::CIMException::NOT_FOUND, text.c_str());
+    }
+    sink.QualifierType(*qualifier);
+}
+
+void Carry(const EnumerateQualifiers& /*call*/, const mof::Schema& schema,
+           const OpenWBEM::String& /*nameSpace*/, ResultSink& sink) {
+    for (const auto& qualifier : schema.Qualifiers()) {
+        sink.QualifierType(qualifier);
     }
 }
 

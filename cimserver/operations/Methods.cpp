@@ -1,6 +1,7 @@
 #include "cimserver/operations/Methods.hpp"
 
 #include "cimserver/operations/Classes.hpp"
+#include "cimserver/operations/Conversions.hpp"
 #include "cimserver/operations/Providers.hpp"
 
 #include "OW_CIMException.hpp"
@@ -60,14 +61,18 @@ CIMParamValue Take(CIMParamValueArray& parameters, const String& name) {
 }
 
 // A scalar that is sent for an array stays one, when it is of the right type otherwise.
-CIMValue Typed(const CIMValue& value, const OpenWBEM::CIMDataType& type) {
+CIMValue Typed(const CIMValue& value, const CIMParameter& parameter) {
+    const OpenWBEM::CIMDataType type = parameter.getType();
     if (!value || value.getType() == type.getType()) {
         return value;
     }
+    const String what = "Parameter " + parameter.getName();
     try {
         return castValueToDataType(value, type);
     } catch (const CIMException& error) {
-        Refuse(error.getMessage());
+        RethrowNaming(what, error, CIMException::INVALID_PARAMETER);
+    } catch (const OpenWBEM::Exception& error) { // a text that is no date
+        RethrowNaming(what, error);
     }
 }
 
@@ -77,7 +82,7 @@ CIMParamValueArray InParameters(const CIMMethod& method, CIMParamValueArray sent
     for (const CIMParameter& parameter : declared) {
         CIMParamValue value = Take(sent, parameter.getName());
         if (value) {
-            value.setValue(Typed(value.getValue(), parameter.getType()));
+            value.setValue(Typed(value.getValue(), parameter));
         } else if (parameter.hasTrueQualifier(CIMQualifier::CIM_QUAL_REQUIRED)) {
             Refuse("Parameter " + parameter.getName() + " was not specified.");
         } else {

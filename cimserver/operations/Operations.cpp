@@ -8,8 +8,6 @@
 #include "cimserver/operations/Instances.hpp"
 #include "cimserver/operations/Methods.hpp"
 
-#include "OW_CIMException.hpp"
-
 #include <type_traits>
 #include <utility>
 
@@ -20,7 +18,8 @@ namespace {
 template <class CallType>
 constexpr bool asksSchemaOnly =
     std::is_same_v<CallType, GetClass> || std::is_same_v<CallType, EnumerateClasses> ||
-    std::is_same_v<CallType, EnumerateClassNames>;
+    std::is_same_v<CallType, EnumerateClassNames> || std::is_same_v<CallType, GetQualifier> ||
+    std::is_same_v<CallType, EnumerateQualifiers>;
 
 OpenWBEM::String WithoutSlashes(OpenWBEM::String nameSpace) {
     while (nameSpace.startsWith("/")) {
@@ -61,6 +60,8 @@ void Operations::Execute(const Request& request, ResultSink& sink) {
                 using CallType = std::decay_t<decltype(call)>;
                 if constexpr (asksSchemaOnly<CallType>) {
                     Carry(call, schema_, around.nameSpace, sink);
+                } else if constexpr (std::is_same_v<CallType, FaultyCall>) {
+                    throw OpenWBEM::CIMException(call.error);
                 } else if constexpr (!std::is_same_v<CallType, OtherOperation>) {
                     Carry(call, around, sink);
                 }

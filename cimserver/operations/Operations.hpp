@@ -3,6 +3,7 @@
 #pragma once
 
 #include "OW_CIM.hpp"
+#include "OW_CIMException.hpp"
 
 #include <memory>
 #include <optional>
@@ -40,6 +41,10 @@ struct EnumerateClassNames {
     OpenWBEM::String className; ///< empty: from the top
     bool deepInheritance = false;
 };
+struct GetQualifier {
+    OpenWBEM::String qualifierName;
+};
+struct EnumerateQualifiers {};
 struct GetInstance {
     OpenWBEM::CIMObjectPath instanceName;
     bool localOnly = true;
@@ -122,12 +127,17 @@ struct InvokeMethod {
 struct OtherOperation {
     OpenWBEM::String name;
 };
+/// A call with a parameter that could not be read; answered with this error, unless the namespace
+/// is wrong already.
+struct FaultyCall {
+    OpenWBEM::CIMException error;
+};
 
 using Call =
-    std::variant<GetClass, EnumerateClasses, EnumerateClassNames, GetInstance, EnumerateInstances,
-                 EnumerateInstanceNames, GetProperty, SetProperty, CreateInstance, ModifyInstance,
-                 DeleteInstance, Associators, AssociatorNames, References, ReferenceNames,
-                 InvokeMethod, OtherOperation>;
+    std::variant<GetClass, EnumerateClasses, EnumerateClassNames, GetQualifier, EnumerateQualifiers,
+                 GetInstance, EnumerateInstances, EnumerateInstanceNames, GetProperty, SetProperty,
+                 CreateInstance, ModifyInstance, DeleteInstance, Associators, AssociatorNames,
+                 References, ReferenceNames, InvokeMethod, OtherOperation, FaultyCall>;
 
 struct Request {
     OpenWBEM::String nameSpace; ///< without leading slash
@@ -142,6 +152,7 @@ public:
     virtual ~ResultSink() = default;
     virtual void Class(const OpenWBEM::CIMClass& cimClass) = 0;
     virtual void ClassName(const OpenWBEM::String& name) = 0;
+    virtual void QualifierType(const OpenWBEM::CIMQualifierType& qualifier) = 0;
     virtual void Instance(const OpenWBEM::CIMInstance& instance) = 0;
     /// An instance together with its name, which its class and its own keys make.
     virtual void NamedInstance(const OpenWBEM::CIMInstance& instance) = 0;

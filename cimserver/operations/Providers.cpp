@@ -1,5 +1,6 @@
 #include "cimserver/operations/Providers.hpp"
 
+#include "cimserver/operations/Conversions.hpp"
 #include "cimserver/operations/Flags.hpp"
 
 #include "OW_CIMException.hpp"
@@ -21,6 +22,18 @@ void CheckNotNull(const CIMInstance& instance) {
     if (!instance) {
         OW_THROWCIMMSG(CIMException::FAILED, "Provider erroneously returned a NULL CIMInstance");
     }
+}
+
+// A class with one key allows an instance name that does not name it.
+void NameSingleKey(CIMObjectPath& path, const CIMClass& cimClass) {
+    const OpenWBEM::CIMPropertyArray declared = cimClass.getKeys();
+    const OpenWBEM::CIMPropertyArray given = path.getKeys();
+    if (declared.size() != 1 || given.size() != 1 || !given[0].getName().empty()) {
+        return;
+    }
+    OpenWBEM::CIMPropertyArray keys;
+    keys.push_back(OpenWBEM::CIMProperty(declared[0].getName(), given[0].getValue()));
+    path.setKeys(keys);
 }
 
 } // namespace
@@ -63,7 +76,8 @@ CIMObjectPath PathFromClient(CIMObjectPath instanceName, const CIMClass& cimClas
 CIMObjectPath PathFromClient(CIMObjectPath instanceName, const CIMClass& cimClass,
                              const String& nameSpace) {
     instanceName.setNameSpace(nameSpace);
-    instanceName.syncWithClass(cimClass);
+    NameSingleKey(instanceName, cimClass);
+    SyncWithClass(instanceName, cimClass);
     return instanceName;
 }
 

@@ -21,8 +21,9 @@ void AskProviderOf(const OpenWBEM::CIMObjectPath& path, const OpenWBEM::CIMClass
                    const Surroundings& around, const char* operation,
                    const host::InstanceCall& call);
 
-// An instance name with the keys of its class, and the class name as the client wrote it. In the
-// reading operations a provider sees no namespace, in all others that of the request.
+// An instance name with the keys of its class (a single one need not have been named), and the
+// class name as the client wrote it. In the reading operations a provider sees no namespace, in all
+// others that of the request.
 OpenWBEM::CIMObjectPath PathFromClient(OpenWBEM::CIMObjectPath instanceName,
                                        const OpenWBEM::CIMClass& cimClass);
 OpenWBEM::CIMObjectPath PathFromClient(OpenWBEM::CIMObjectPath instanceName,

@@ -4,6 +4,7 @@
 #include "e2e/OverHttp.hpp"
 
 #include "support/ToolDouble.hpp"
+#include "support/XmlNode.hpp"
 
 #include <gmock/gmock.h>
 
@@ -64,9 +65,23 @@ protected:
 
 TEST_F(Failures, AnExitCodeArrivesAsTheToolsWordsAndTheMessageId) {
     tool_.Plays("", ToolAnswer().ExitCode(12));
-    EXPECT_THAT(TextOfFailure(), HasSubstr("general error (What the code means.\n"
-                                           "* #SWU_Patchkeeper_SoftwareUpdateFailed#)"));
+    EXPECT_THAT(TextOfFailure(), HasSubstr("general error (What the code means.&#10;"
+                                           "&#10;#SWU_Patchkeeper_SoftwareUpdateFailed#)"));
     EXPECT_EQ(tool_.CommandLines().back(), "/qv/bin/patchkeeper --errors 12");
+}
+
+TEST_F(Failures, AClientThatReadsXmlGetsTheLineEndBeforeTheMessageId) {
+    tool_.Plays("", ToolAnswer().ExitCode(12));
+    const std::string body =
+        Post(test_support::IntrinsicCall(
+                 "EnumerateInstances",
+                 R"(<IPARAMVALUE NAME="ClassName"><CLASSNAME NAME="ZNX_SoftwareIdentity"/>)"
+                 R"(</IPARAMVALUE>)"))
+            .body;
+    const auto answer = test_support::ReadXml(body);
+    ASSERT_TRUE(answer.has_value() && answer->Find("ERROR") != nullptr) << body;
+    EXPECT_EQ(answer->Find("ERROR")->Attribute("DESCRIPTION"),
+              "general error (What the code means.\n\n#SWU_Patchkeeper_SoftwareUpdateFailed#)");
 }
 
 TEST_F(Failures, ToolNotThere) {

@@ -1,5 +1,6 @@
 #include "support/CimClient.hpp"
 
+#include "support/CallHeaders.hpp"
 #include "support/HttpHead.hpp"
 
 #include <array>
@@ -117,6 +118,8 @@ HttpAnswer CimClient::Request(std::string_view method, const HeaderList& headers
 HttpAnswer CimClient::Post(std::string_view body, const HeaderList& moreHeaders) {
     HeaderList headers = {{"Content-Type", "application/xml; charset=\"utf-8\""},
                           {"CIMOperation", "MethodCall"}};
+    const HeaderList call = CallHeaders(body);
+    headers.insert(headers.end(), call.begin(), call.end());
     headers.insert(headers.end(), moreHeaders.begin(), moreHeaders.end());
     return Request("POST", headers, body);
 }

@@ -94,6 +94,14 @@ const ElementRule rules[] = {
      "(QUALIFIER*,VALUE.REFERENCE?)",
      {"NAME"},
      {"REFERENCECLASS", "CLASSORIGIN", "PROPAGATED"}},
+    {"QUALIFIER.DECLARATION",
+     "(SCOPE?,(VALUE|VALUE.ARRAY)?)",
+     {"NAME", "TYPE"},
+     {"ISARRAY", "ARRAYSIZE", "OVERRIDABLE", "TOSUBCLASS", "TOINSTANCE", "TRANSLATABLE"}},
+    {"SCOPE",
+     "EMPTY",
+     {},
+     {"CLASS", "ASSOCIATION", "REFERENCE", "PROPERTY", "METHOD", "PARAMETER", "INDICATION"}},
     {"METHOD",
      "(QUALIFIER*,(PARAMETER|PARAMETER.REFERENCE|PARAMETER.ARRAY|PARAMETER.REFARRAY)*)",
      {"NAME"},
@@ -123,6 +131,14 @@ const AttributeRule enumerations[] = {
     {"TOSUBCLASS", yesOrNo},
     {"TOINSTANCE", yesOrNo},
     {"TRANSLATABLE", yesOrNo},
+    {"ISARRAY", yesOrNo},
+    {"CLASS", yesOrNo},
+    {"ASSOCIATION", yesOrNo},
+    {"REFERENCE", yesOrNo},
+    {"PROPERTY", yesOrNo},
+    {"METHOD", yesOrNo},
+    {"PARAMETER", yesOrNo},
+    {"INDICATION", yesOrNo},
 };
 
 class Checker {
@@ -245,10 +261,18 @@ std::vector<std::string> DtdProblems(std::string_view xml) {
 
 std::vector<std::string> PlainClientProblems(std::string_view xml) {
     std::vector<std::string> problems;
-    for (const std::string_view bad : {"/>", "<!--", "<![CDATA[", "&#"}) {
+    for (const std::string_view bad : {"/>", "<!--", "<![CDATA["}) {
         const std::size_t at = xml.find(bad);
         if (at != std::string_view::npos) {
             problems.push_back(std::string(bad) + " at byte " + std::to_string(at));
+        }
+    }
+    for (std::size_t at = xml.find("&#"); at != std::string_view::npos;
+         at = xml.find("&#", at + 1)) {
+        const std::string_view reference = xml.substr(at, xml.find(';', at) - at);
+        if (reference != "&#9" && reference != "&#10" && reference != "&#13") {
+            problems.push_back("&# at byte " + std::to_string(at));
+            break;
         }
     }
     return problems;

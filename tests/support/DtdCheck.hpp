@@ -15,7 +15,8 @@ namespace test_support {
 std::vector<std::string> DtdProblems(std::string_view xml);
 
 /// What a client without a real XML parser stumbles over although it is valid: empty-element tags,
-/// comments, CDATA, numeric character references. Empty when there is nothing of it.
+/// comments, CDATA, numeric character references but those of tab, line feed and carriage return,
+/// for which XML leaves no choice. Empty when there is nothing of it.
 std::vector<std::string> PlainClientProblems(std::string_view xml);
 
 } // namespace test_support

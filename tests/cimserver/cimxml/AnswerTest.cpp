@@ -2,6 +2,7 @@
 #include "Support.hpp"
 
 #include "support/DtdCheck.hpp"
+#include "support/XmlNode.hpp"
 
 #include "OW_CIM.hpp"
 
@@ -61,12 +62,21 @@ TEST(AnswerErrors, HaveCodeAndDescription) {
               "does not exist (/root/cimv2:A)\"></ERROR></IMETHODRESPONSE>");
 }
 
+TEST(AnswerErrors, ReachAnXmlParserByteForByte) {
+    const std::string text = "a \"b\" <c> & 'd'\t\xC3\xA4\r\n#12,x#";
+    const std::string answer =
+        Results([&](ResultSink&) { OW_THROWCIMMSG(CIMException::FAILED, text.c_str()); });
+    const auto document = test_support::ReadXml(answer);
+    ASSERT_TRUE(document.has_value());
+    EXPECT_EQ(document->Find("ERROR")->Attribute("DESCRIPTION"), "general error (" + text + ")");
+}
+
 TEST(AnswerErrors, KeepLineBreaksAndEscapeTheRest) {
     EXPECT_EQ(ErrorIn(Results([](ResultSink&) {
                   OW_THROWCIMMSG(CIMException::FAILED, "a \"b\" <c> & \x01\xFF\n#12,x#");
               })),
               "1: general error (a &quot;b&quot; &lt;c&gt; &amp; "
-              "\xEF\xBF\xBD\xEF\xBF\xBD\n#12,x#)");
+              "\xEF\xBF\xBD\xEF\xBF\xBD&#10;#12,x#)");
 }
 
 TEST(AnswerErrors, TakeThePlaceOfResultsThatWereWritten) {

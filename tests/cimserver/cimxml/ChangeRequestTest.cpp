@@ -116,7 +116,7 @@ TEST(InstanceRequest, CreateInstanceRefusals) {
             IntrinsicCall("CreateInstance", Parameter("NewInstance", Instance(inside))));
     };
     EXPECT_EQ(refused(R"(<PROPERTY NAME="N" TYPE="uint8"><VALUE>x</VALUE></PROPERTY>)"),
-              Refusal("Property N: general error (Unable to convert &quot;x&quot; into UInt8)"));
+              Refusal("Property N: &quot;x&quot; is no uint8"));
     EXPECT_EQ(refused(R"(<PROPERTY NAME="N" TYPE="boolean"><VALUE/></PROPERTY>)"),
               Refusal("Property N: &quot;&quot; is no boolean"));
     EXPECT_EQ(refused(R"(<PROPERTY NAME="N" TYPE="uint8"/><PROPERTY NAME="n" TYPE="uint8"/>)"),

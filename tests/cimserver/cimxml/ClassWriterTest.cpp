@@ -101,6 +101,32 @@ TEST(ClassWriter, QualifiersWithArraysAndPropagation) {
               R"(<VALUE.ARRAY><VALUE>0</VALUE><VALUE>1</VALUE></VALUE.ARRAY></QUALIFIER></CLASS>)");
 }
 
+std::string DeclarationText(const CIMQualifierType& qualifier) {
+    return ReturnValue([&](ResultSink& sink) { sink.QualifierType(qualifier); });
+}
+
+TEST(ClassWriter, QualifierTypesHaveScopeFlavorsAndDefault) {
+    CIMQualifierType key("Key");
+    key.setDataType(CIMDataType(CIMDataType::BOOLEAN)).setDefaultValue(CIMValue(false));
+    key.addScope(CIMScope::PROPERTY).addScope(CIMScope::REFERENCE);
+    key.addFlavor(CIMFlavor::DISABLEOVERRIDE).addFlavor(CIMFlavor::TOSUBCLASS);
+    EXPECT_EQ(DeclarationText(key),
+              R"(<QUALIFIER.DECLARATION NAME="Key" TYPE="boolean" ISARRAY="false")"
+              R"( OVERRIDABLE="false" TOSUBCLASS="true">)"
+              R"(<SCOPE REFERENCE="true" PROPERTY="true"></SCOPE><VALUE>FALSE</VALUE>)"
+              R"(</QUALIFIER.DECLARATION>)");
+}
+
+TEST(ClassWriter, QualifierTypesOfAnyScopeAndWithoutDefault) {
+    CIMQualifierType values("Values");
+    values.setDataType(CIMDataType(CIMDataType::STRING, 3)).addScope(CIMScope::ANY);
+    EXPECT_EQ(DeclarationText(values),
+              R"(<QUALIFIER.DECLARATION NAME="Values" TYPE="string" ISARRAY="true" ARRAYSIZE="3">)"
+              R"(<SCOPE CLASS="true" ASSOCIATION="true" REFERENCE="true" PROPERTY="true")"
+              R"( METHOD="true" PARAMETER="true" INDICATION="true"></SCOPE>)"
+              R"(</QUALIFIER.DECLARATION>)");
+}
+
 TEST(ClassWriter, AQualifierWithoutTypeIsAnError) {
     CIMClass cimClass("A");
     cimClass.addQualifier(CIMQualifier("Q"));

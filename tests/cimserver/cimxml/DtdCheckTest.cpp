@@ -182,7 +182,9 @@ TEST(PlainClientCheck, FindsWhatAPlainClientCannotRead) {
     EXPECT_THAT(PlainClientProblems("<A/>"), ElementsAre("/> at byte 2"));
     EXPECT_THAT(PlainClientProblems("<!-- x -->"), ElementsAre("<!-- at byte 0"));
     EXPECT_THAT(PlainClientProblems("<![CDATA[x]]>"), ElementsAre("<![CDATA[ at byte 0"));
-    EXPECT_THAT(PlainClientProblems("x&#10;y"), ElementsAre("&# at byte 1"));
+    EXPECT_THAT(PlainClientProblems("x&#65;y"), ElementsAre("&# at byte 1"));
+    EXPECT_THAT(PlainClientProblems("&#10;x&#100;y"), ElementsAre("&# at byte 6"));
+    EXPECT_THAT(PlainClientProblems("a&#9;b&#10;c&#13;d"), IsEmpty());
 }
 
 } // namespace

@@ -105,15 +105,14 @@ TEST(MethodRequest, AParameterWithoutValueIsNullAndNoneIsDropped) {
 TEST(MethodRequest, ValuesThatCannotBeReadAreRefusedByName) {
     const std::string start = "4: invalid parameter passed to method (Parameter P";
     EXPECT_EQ(Refused(Sent(R"(NAME="P" PARAMTYPE="uint8")", "<VALUE>300</VALUE>")),
-              start + ": general error (Unable to convert &quot;300&quot; into UInt8))");
+              start + ": &quot;300&quot; is no uint8)");
     EXPECT_EQ(Refused(Sent(R"(NAME="P" PARAMTYPE="uint8")", "<VALUE> </VALUE>")),
               start + ": &quot; &quot; is no uint8)");
     EXPECT_EQ(Refused(Sent(R"(NAME="P" PARAMTYPE="datetime")", "<VALUE>soon</VALUE>")),
-              start + ": Invalid format for date time)");
+              start + ": &quot;soon&quot; is no datetime)");
     EXPECT_EQ(Refused(Sent(R"(NAME="P" PARAMTYPE="uint8")",
-                           "<VALUE.ARRAY><VALUE>1</VALUE><VALUE>x</VALUE></VALUE.ARRAY>"))
-                  .substr(0, start.size()),
-              start);
+                           "<VALUE.ARRAY><VALUE>1</VALUE><VALUE>x</VALUE></VALUE.ARRAY>")),
+              start + ": &quot;1,x&quot; is no uint8)");
     EXPECT_EQ(Refused(Sent(R"(NAME="P")", "<VALUE.ARRAY><VALUE.NULL/></VALUE.ARRAY>")),
               start + " holds an element without value)");
     EXPECT_EQ(Refused(Sent(R"(NAME="P")", "<VALUE.REFARRAY><VALUE.NULL/></VALUE.REFARRAY>")),

@@ -8,19 +8,44 @@ namespace {
 using cimserver::cimxml::HeaderList;
 using cimxml_test::Ask;
 using cimxml_test::FakeExecutor;
+using cimxml_test::OperationHeaders;
 using cimxml_test::Reply;
 
 const std::string good = test_support::IntrinsicCall("EnumerateClassNames", "");
 
 /// Status and CIMError; an operation must not have been called.
-std::string Outcome(const std::string& body,
-                    const HeaderList& headers = {{"CIMOperation", "MethodCall"}},
+std::string Outcome(const std::string& body, const HeaderList& headers,
                     const std::string& method = "POST") {
     FakeExecutor executor;
     const Reply reply = Ask(body, executor, headers, method);
     const bool isAnswered = reply.status.httpStatus == 200;
     EXPECT_EQ(executor.last.has_value(), isAnswered);
     return std::to_string(reply.status.httpStatus) + " " + reply.Header("CIMError");
+}
+
+std::string Outcome(const std::string& body) {
+    return Outcome(body, OperationHeaders(body));
+}
+
+/// The headers of the good request, with these in the place of those of the same name.
+HeaderList With(const HeaderList& changed) {
+    HeaderList headers = OperationHeaders(good);
+    for (const auto& header : changed) {
+        std::erase_if(headers, [&](const auto& other) { return other.first == header.first; });
+    }
+    headers.insert(headers.end(), changed.begin(), changed.end());
+    return headers;
+}
+
+HeaderList Without(const std::string& name) {
+    HeaderList headers = OperationHeaders(good);
+    std::erase_if(headers, [&](const auto& header) { return header.first == name; });
+    return headers;
+}
+
+HeaderList And(HeaderList headers, const HeaderList& more) {
+    headers.insert(headers.end(), more.begin(), more.end());
+    return headers;
 }
 
 std::string Replaced(const std::string& from, const std::string& to) {
@@ -38,9 +63,9 @@ TEST(ProtocolErrors, TheRequestOfTheseTestsIsGood) {
 }
 
 TEST(ProtocolErrors, OtherMethodsAreNotAllowed) {
-    for (const char* method : {"GET", "PUT", "OPTIONS", "post", ""}) {
+    for (const char* method : {"GET", "PUT", "OPTIONS", "post", "M-GET", ""}) {
         FakeExecutor executor;
-        const Reply reply = Ask(good, executor, {{"CIMOperation", "MethodCall"}}, method);
+        const Reply reply = Ask(good, executor, OperationHeaders(good), method);
         EXPECT_EQ(reply.status.httpStatus, 405) << method;
         EXPECT_EQ(reply.Header("Allow"), "POST, M-POST");
     }
@@ -51,40 +76,51 @@ struct HeaderRow {
     const char* outcome;
 };
 
-TEST(ProtocolErrors, HeadersOfPost) {
+TEST(ProtocolErrors, CimOperationAndVersion) {
     const HeaderRow rows[] = {
-        {{{"CIMOperation", "MethodCall"}}, "200 (absent)"},
-        {{{"cimoperation", "methodcall"}}, "200 (absent)"},
-        {{{"Man", "http://www.dmtf.org/cim/mapping/http/v1.0 ; ns=23"},
-          {"CIMOperation", "MethodCall"}},
-         "200 (absent)"},
-        {{}, "400 unsupported-operation"},
-        {{{"CIMOperation", ""}}, "400 unsupported-operation"},
-        {{{"CIMOperation", "MethodResponse"}}, "400 unsupported-operation"},
-        {{{"23-CIMOperation", "MethodCall"}}, "400 unsupported-operation"},
-        {{{"CIMOperation", "MethodCall"}, {"CIMProtocolVersion", "1.0"}}, "200 (absent)"},
-        {{{"CIMOperation", "MethodCall"}, {"CIMProtocolVersion", "1.4"}}, "200 (absent)"},
-        {{{"CIMOperation", "MethodCall"}, {"CIMProtocolVersion", "2.0"}},
-         "501 unsupported-protocol-version"},
+        {With({{"CIMOperation", "methodcall"}}), "200 (absent)"},
+        {With({{"Man", "http://www.dmtf.org/cim/mapping/http/v1.0 ; ns=23"}}), "200 (absent)"},
+        {Without("CIMOperation"), "400 unsupported-operation"},
+        {With({{"CIMOperation", ""}}), "400 unsupported-operation"},
+        {With({{"CIMOperation", "MethodResponse"}}), "400 unsupported-operation"},
+        {And(With({}), {{"CIMOperation", "MethodCall"}}), "400 unsupported-operation"},
+        {And(Without("CIMOperation"), {{"23-CIMOperation", "MethodCall"}}),
+         "400 unsupported-operation"},
+        {And(Without("CIMOperation"), {{"CIMExport", "MethodRequest"}}),
+         "400 unsupported-operation"},
+        {With({{"CIMProtocolVersion", "1.0"}}), "200 (absent)"},
+        {With({{"CIMProtocolVersion", "1.4"}}), "200 (absent)"},
+        {With({{"CIMProtocolVersion", "2.0"}}), "501 unsupported-protocol-version"},
+        {With({{"CIMProtocolVersion", ""}}), "501 unsupported-protocol-version"},
+        {With({{"CIMBatch", ""}}), "501 multiple-requests-unsupported"},
     };
     for (const HeaderRow& row : rows) {
-        EXPECT_EQ(Outcome(good, row.headers), row.outcome);
+        EXPECT_EQ(Outcome(good, row.headers), row.outcome) << testing::PrintToString(row.headers);
     }
 }
 
-TEST(ProtocolErrors, HeadersOfMPostHaveThePrefixThatTheyName) {
-    const char* const man = "http://www.dmtf.org/cim/mapping/http/v1.0 ; ns=23";
-    const HeaderRow rows[] = {
-        {{{"Man", man}, {"23-CIMOperation", "MethodCall"}}, "200 (absent)"},
-        {{{"Man", man}, {"24-CIMOperation", "MethodCall"}}, "400 unsupported-operation"},
-        {{{"Man", man}, {"CIMOperation", "MethodCall"}}, "400 unsupported-operation"},
-        {{{"CIMOperation", "MethodCall"}}, "200 (absent)"},
-        {{{"Man", man}, {"23-CIMOperation", "MethodCall"}, {"23-CIMProtocolVersion", "3.0"}},
-         "501 unsupported-protocol-version"},
+TEST(ProtocolErrors, BodiesOfOtherMediaTypesAndCodings) {
+    const std::string refused = "415 (absent)";
+    const std::string taken = "200 (absent)";
+    const std::pair<const char*, std::string> types[] = {
+        {"application/xml", taken},
+        {"text/xml", taken},
+        {"Application/XML; Charset=\"UTF-8\"", taken},
+        {"text/xml;charset=utf-8", taken},
+        {"application/xml ; version=1 ; charset = utf-8", taken},
+        {"application/xml; charset=iso-8859-1", refused},
+        {"application/xml; charset=\"\"", refused},
+        {"application/xml; charset", refused},
+        {"application/json", refused},
+        {"text/plain; charset=utf-8", refused},
+        {"application/xml2", refused},
+        {"", refused},
     };
-    for (const HeaderRow& row : rows) {
-        EXPECT_EQ(Outcome(good, row.headers, "M-POST"), row.outcome);
+    for (const auto& [type, outcome] : types) {
+        EXPECT_EQ(Outcome(good, With({{"Content-Type", type}})), outcome) << type;
     }
+    EXPECT_EQ(Outcome(good, With({{"Content-Encoding", "identity"}})), taken);
+    EXPECT_EQ(Outcome(good, With({{"Content-Encoding", "gzip"}})), refused);
 }
 
 TEST(ProtocolErrors, BodiesThatAreNoXml) {
@@ -180,6 +216,22 @@ TEST(ProtocolErrors, EnvelopesThatAreNotThoseOfARequest) {
     }
 }
 
+TEST(ProtocolErrors, ElementsAndAttributesThatTheDtdDoesNotKnowArePassedOver) {
+    const std::string bodies[] = {
+        Replaced("<SIMPLEREQ>",
+                 R"(<NEW x="1">text<IMETHODCALL NAME="GetClass"/></NEW><SIMPLEREQ>)"),
+        Replaced("</IMETHODCALL>", "<EXTRA/></IMETHODCALL>"),
+        Replaced("<IMETHODCALL ", "<IMETHODCALL extra='1' "),
+        Replaced("<CIM ", "<CIM xmlns:x='urn:x' "),
+    };
+    for (const std::string& body : bodies) {
+        EXPECT_EQ(Outcome(body, OperationHeaders(good)), "200 (absent)") << body;
+    }
+    EXPECT_EQ(Outcome(Replaced("<SIMPLEREQ>", "<NEW><SIMPLEREQ>")
+                          .replace(good.find("</MESSAGE>") + 5, 0, "</NEW>")),
+              "400 request-not-loosely-valid");
+}
+
 TEST(ProtocolErrors, CallsThatTheDtdDoesNotKnow) {
     const std::string bodies[] = {
         InCall(""),
@@ -192,6 +244,12 @@ TEST(ProtocolErrors, CallsThatTheDtdDoesNotKnow) {
         InCall(nameSpace + R"(<IPARAMVALUE NAME="InstanceName"><VALUE/><VALUE/></IPARAMVALUE>)"),
         InCall(nameSpace + R"(<IPARAMVALUE NAME="InstanceName"><INSTANCENAME/></IPARAMVALUE>)"),
         InInstanceName("<VALUE/>"),
+        InCall(nameSpace + "stray text"),
+        InCall(
+            nameSpace +
+            R"(<IPARAMVALUE NAME="ClassName"><CLASSNAME NAME="A"><VALUE/></CLASSNAME></IPARAMVALUE>)"),
+        InCall(nameSpace +
+               R"(<IPARAMVALUE NAME="ClassName"><VALUE><VALUE/></VALUE></IPARAMVALUE>)"),
         InInstanceName("<KEYBINDING><KEYVALUE/></KEYBINDING>"),
         InInstanceName(R"(<KEYBINDING NAME="K"/>)"),
         InInstanceName(R"(<KEYBINDING NAME="K"><VALUE/></KEYBINDING>)"),

@@ -77,6 +77,12 @@ struct Describe {
     std::string operator()(const operations::EnumerateInstanceNames& call) const {
         return "EnumerateInstanceNames " + Text(call.className);
     }
+    std::string operator()(const operations::GetQualifier& call) const {
+        return "GetQualifier " + Text(call.qualifierName);
+    }
+    std::string operator()(const operations::EnumerateQualifiers& /*call*/) const {
+        return "EnumerateQualifiers";
+    }
     std::string operator()(const operations::OtherOperation& call) const {
         return "other " + Text(call.name);
     }
@@ -118,6 +124,8 @@ TEST(RequestToOperation, DefaultsApplyToWhatIsLeftOut) {
         {"EnumerateInstances", className,
          "EnumerateInstances ZNX_A +local +deep -qualifiers -origin all"},
         {"EnumerateInstanceNames", className, "EnumerateInstanceNames ZNX_A"},
+        {"GetQualifier", Parameter("QualifierName", "<VALUE>Key</VALUE>"), "GetQualifier Key"},
+        {"EnumerateQualifiers", "", "EnumerateQualifiers"},
     };
     for (const Row& row : rows) {
         EXPECT_EQ(Meaning(row.operation, row.parameters), row.meaning);
@@ -174,8 +182,9 @@ TEST(RequestToOperation, AnEmptyPropertyListIsNotAnAbsentOne) {
 }
 
 TEST(RequestToOperation, EveryOtherOperationIsHandedOnByName) {
-    for (const char* name : {"CreateClass", "ModifyClass", "DeleteClass", "GetQualifier",
-                             "ExecQuery", "OpenEnumerateInstances", "Whatever"}) {
+    for (const char* name :
+         {"CreateClass", "ModifyClass", "DeleteClass", "SetQualifier", "DeleteQualifier",
+          "ExecQuery", "OpenEnumerateInstances", "Whatever"}) {
         EXPECT_EQ(Meaning(name, Parameter("Any", yes) + Parameter("Any", "")),
                   "other " + std::string(name));
     }

@@ -33,7 +33,7 @@ void DeliverAndFail(ResultSink& sink, int count, const char* error) {
 void Ask(TextOutput& output, const FakeExecutor::Action& action) {
     FakeExecutor executor(action);
     const std::string body = IntrinsicCall("EnumerateClassNames", "");
-    cimserver::cimxml::Answer({"POST", {{"CIMOperation", "MethodCall"}}, body, ""}, executor,
+    cimserver::cimxml::Answer({"POST", cimxml_test::OperationHeaders(body), body, ""}, executor,
                               output);
 }
 
@@ -80,7 +80,8 @@ TEST(StreamedErrors, AnAnswerThatSucceedsHasNoTrailers) {
 
 TEST(StreamedErrors, TheTrailersAnnouncedAreTheTrailersSent) {
     const HeaderList trailers = TrailersOf(CIMException(__FILE__, __LINE__, CIMException::FAILED));
-    EXPECT_EQ(trailers.at(0).first + ", " + trailers.at(1).first, cimserver::cimxml::trailerNames);
+    EXPECT_EQ(trailers.at(0).first + ", " + trailers.at(1).first,
+              cimserver::cimxml::Status().trailerNames);
 }
 
 TEST(StreamedErrors, HaveTheErrorsNumber) {
@@ -101,6 +102,16 @@ TEST(StreamedErrors, LongTextsAreCutBetweenCharacters) {
     const std::string encoded = TrailerText(std::string(100'000, '%').c_str());
     EXPECT_LE(encoded.size(), 4096U);
     EXPECT_TRUE(encoded.ends_with("%25"));
+    for (const char* start : {"", "x", "xx", "xxx", "xxxx", "xxxxx"}) {
+        std::string euros = start;
+        for (int i = 0; i < 1000; ++i) {
+            euros += "\xE2\x82\xAC";
+        }
+        const std::string cut = TrailerText(euros.c_str());
+        EXPECT_LE(cut.size(), 4096U);
+        EXPECT_GT(cut.size(), 4096U - 9);
+        EXPECT_TRUE(cut.ends_with("%E2%82%AC")) << start;
+    }
 }
 
 TEST(AnswersThatCannotBeKept, BecomeAnErrorWithTheReason) {

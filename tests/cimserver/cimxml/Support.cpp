@@ -1,5 +1,6 @@
 #include "Support.hpp"
 
+#include "support/CallHeaders.hpp"
 #include "support/DtdCheck.hpp"
 
 #include <gmock/gmock.h>
@@ -39,6 +40,16 @@ std::string Reply::Header(std::string_view name) const {
         }
     }
     return "(absent)";
+}
+
+cimserver::cimxml::HeaderList OperationHeaders(std::string_view body) {
+    cimserver::cimxml::HeaderList headers = test_support::CallHeaders(body);
+    headers.insert(headers.begin(), {"CIMOperation", "MethodCall"});
+    return headers;
+}
+
+Reply Ask(std::string_view body, cimserver::operations::Executor& executor) {
+    return Ask(body, executor, OperationHeaders(body));
 }
 
 Reply Ask(std::string_view body, cimserver::operations::Executor& executor,

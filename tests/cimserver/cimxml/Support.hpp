@@ -25,6 +25,9 @@ public:
     explicit FakeExecutor(Action action = {}) : action_(std::move(action)) {}
 
     void Execute(const Request& request, ResultSink& sink) override {
+        if (const auto* faulty = std::get_if<cimserver::operations::FaultyCall>(&request.call)) {
+            throw OpenWBEM::CIMException(faulty->error);
+        }
         last = request;
         if (action_) {
             action_(request, sink);
@@ -67,11 +70,14 @@ struct Reply {
     std::string Header(std::string_view name) const;
 };
 
+/// The headers of an operation request with that body.
+cimserver::cimxml::HeaderList OperationHeaders(std::string_view body);
+
 /// Sends a body as a client does. Every text that comes back must be valid; it is a test failure
 /// when it is not.
+Reply Ask(std::string_view body, cimserver::operations::Executor& executor);
 Reply Ask(std::string_view body, cimserver::operations::Executor& executor,
-          const cimserver::cimxml::HeaderList& headers = {{"CIMOperation", "MethodCall"}},
-          const std::string& method = "POST");
+          const cimserver::cimxml::HeaderList& headers, const std::string& method = "POST");
 
 /// The call that a request with this body becomes; a test failure when it becomes another one.
 template <class Call>

@@ -3,6 +3,7 @@
 
 #include "Support.hpp"
 #include "support/DtdCheck.hpp"
+#include "support/XmlNode.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -54,7 +55,7 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"ampersand", "&", "&amp;"}, Row{"quote", "\"", "&quot;"}, Row{"apostrophe", "'", "'"},
         Row{"an entity", "&lt;", "&amp;lt;"},
         Row{"neighbours of the specials", "!#$%'(;=?", "!#$%'(;=?"},
-        Row{"tab, line feed, carriage return", "\t\n\r", "\t\n\r"},
+        Row{"tab, line feed", "\t\n", "\t\n"}, Row{"carriage return", "a\rb", "a&#13;b"},
         Row{"NUL", std::string(1, '\0'), R},
         Row{"control characters", "\x01\x08\x0B\x0C\x0E\x1F", R R R R R R},
         Row{"DEL is allowed", "\x7F", "\x7F"},
@@ -105,6 +106,37 @@ TEST(XmlBufferText, AllPairsOfBytesMakeAWellFormedDocument) {
         "<CIM CIMVERSION=\"" + AsText(all) + "\" DTDVERSION=\"2.0\"></CIM>";
     EXPECT_THAT(test_support::DtdProblems(document),
                 testing::ElementsAre("CIM holds instead of (MESSAGE|DECLARATION)"));
+}
+
+std::string AsAttribute(std::string_view bytes) {
+    TextOutput output;
+    XmlBuffer xml(output);
+    xml.Attribute(bytes);
+    xml.Flush();
+    return output.text;
+}
+
+TEST(XmlBufferAttribute, TabsAndLineEndsAreCharacterReferences) {
+    EXPECT_EQ(AsAttribute("\t"), "&#9;");
+    EXPECT_EQ(AsAttribute("a\nb\r\n"), "a&#10;b&#13;&#10;");
+    EXPECT_EQ(AsAttribute("12345678\n12345678\"<"), "12345678&#10;12345678&quot;&lt;");
+    EXPECT_EQ(AsAttribute("plain \xC3\xA4"), "plain \xC3\xA4");
+    EXPECT_EQ(AsAttribute(""), "");
+}
+
+TEST(XmlBufferAttribute, AndTextReachAParserByteForByte) {
+    std::string all;
+    for (int before = 0; before < 10; ++before) {
+        for (const char* part : {"\t", "\n", "\r", "\r\n", "\n\r", " ", "  ", "\"", "'", "<", ">",
+                                 "&", "]]>", "&#10;", "\xC3\xA4", "\xF0\x9F\x98\x80"}) {
+            all += std::string(static_cast<std::size_t>(before), 'x') + part;
+        }
+    }
+    const auto document =
+        test_support::ReadXml("<A B=\"" + AsAttribute(all) + "\">" + AsText(all) + "</A>");
+    ASSERT_TRUE(document.has_value());
+    EXPECT_EQ(document->Find("A")->Attribute("B"), all);
+    EXPECT_EQ(document->Find("A")->text, all);
 }
 
 TEST(XmlBufferText, ASequenceMayStandAtTheEndOfAPortion) {

@@ -101,6 +101,10 @@ void KeepingSink::Class(const OpenWBEM::CIMClass& cimClass) {
     classes.push_back(cimClass);
 }
 
+void KeepingSink::QualifierType(const OpenWBEM::CIMQualifierType& qualifier) {
+    lines.push_back(Text(qualifier.toMOF()));
+}
+
 void KeepingSink::ClassName(const OpenWBEM::String& name) {
     lines.push_back("name " + Text(name));
 }

@@ -102,9 +102,9 @@ TEST_F(Creation, Refusals) {
               "4 invalid parameter passed to method (Unable to create instance because class "
               "(ht_idea) is abstract)");
     EXPECT_EQ(Failure(CreateInstance{Thing({Of("Count", "many")})}),
-              "1 general error (Unable to convert \"many\" into UInt8)");
+              "1 general error (Property Count: Unable to convert \"many\" into UInt8)");
     EXPECT_EQ(Failure(CreateInstance{Thing({Of("Since", "long ago")})}),
-              "1 Invalid format for date time");
+              "1 general error (Property Since: Invalid format for date time)");
     EXPECT_EQ(Failure(CreateInstance{CIMInstance("HT_Unserved")}),
               "7 requested operation is not supported (class HT_Unserved has no provider)");
     EXPECT_THAT(leaf.calls, IsEmpty());
@@ -250,7 +250,7 @@ TEST_F(Modification, Refusals) {
               "4 invalid parameter passed to method (the instance is of class HT_Pair, its name of "
               "class HT_Thing)");
     EXPECT_EQ(Failure(ModifyInstance{path, Thing({Of("Count", "many")})}),
-              "1 general error (Unable to convert \"many\" into UInt8)");
+              "1 general error (Property Count: Unable to convert \"many\" into UInt8)");
     EXPECT_EQ(Failure(ModifyInstance{path, Thing({}), true, List({"Count", "Weight"})}),
               "1 Weight");
     EXPECT_EQ(Failure(ModifyInstance{Path("HT_Unserved", "Id", "1"), CIMInstance("HT_Unserved")}),
@@ -329,10 +329,11 @@ TEST_F(Setting, Refusals) {
     EXPECT_EQ(Failure(SetProperty{path, "Weight", text}),
               "12 specified property does not exist (Weight)");
     EXPECT_EQ(Failure(SetProperty{path, "Count", text}),
-              "13 value supplied is incompatible with type (general error (Unable to convert \"x\" "
-              "into UInt8))");
+              "13 value supplied is incompatible with type (Property Count: Unable to convert "
+              "\"x\" into UInt8)");
     EXPECT_EQ(Failure(SetProperty{path, "Since", text}),
-              "13 value supplied is incompatible with type (Invalid format for date time)");
+              "13 value supplied is incompatible with type (Property Since: Invalid format for "
+              "date time)");
     EXPECT_EQ(leaf.calls.size(), 3U); // getInstance each time, and nothing else
     leaf.atEndOfGet = [] { OW_THROWCIM(CIMException::NOT_FOUND); };
     EXPECT_EQ(Failure(SetProperty{path, "Weight", text}), "6 requested object could not be found");

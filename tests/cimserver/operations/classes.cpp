@@ -103,14 +103,41 @@ TEST_F(Classes, FiltersLeaveTheSchemaAsItIs) {
 
 TEST_F(Classes, UnknownClass) {
     const std::string text = "5 class does not exist (/root/cimv2:HT_None)";
-    EXPECT_EQ(Failure(GetClass{"HT_None"}), text);
     EXPECT_EQ(Failure(EnumerateClasses{"HT_None"}), text);
     EXPECT_EQ(Failure(EnumerateClassNames{"HT_None"}), text);
     EXPECT_EQ(Failure(EnumerateInstances{"HT_None"}), text);
     EXPECT_EQ(Failure(EnumerateInstanceNames{"HT_None"}), text);
     EXPECT_EQ(Failure(GetInstance{OpenWBEM::CIMObjectPath("HT_None")}), text);
-    EXPECT_EQ(Failure(GetClass{""}), "5 class does not exist (/root/cimv2:)");
     EXPECT_THAT(sink.lines, IsEmpty());
+}
+
+TEST_F(Classes, GetClassOfAnUnknownClassIsNotFound) {
+    EXPECT_EQ(Failure(GetClass{"HT_None"}),
+              "6 requested object could not be found (/root/cimv2:HT_None)");
+    EXPECT_EQ(Failure(GetClass{""}), "6 requested object could not be found (/root/cimv2:)");
+}
+
+TEST_F(Classes, GetQualifier) {
+    Run(GetQualifier{"override"});
+    EXPECT_THAT(sink.lines, ElementsAre(testing::StartsWith("Qualifier Override : string")));
+}
+
+TEST_F(Classes, GetQualifierOfAnUnknownOneIsNotFound) {
+    EXPECT_EQ(Failure(GetQualifier{"Extra"}),
+              "6 requested object could not be found (qualifier Extra)");
+    EXPECT_EQ(Failure(GetQualifier{"Key"}, "root/none"), "3 namespace does not exist (root/none)");
+    EXPECT_THAT(sink.lines, IsEmpty());
+}
+
+TEST_F(Classes, EnumerateQualifiersInTheOrderOfDeclaration) {
+    Run(EnumerateQualifiers{});
+    EXPECT_THAT(sink.lines, ElementsAre(testing::StartsWith("Qualifier Key :"),
+                                        testing::StartsWith("Qualifier Description :"),
+                                        testing::StartsWith("Qualifier Provider :"),
+                                        testing::StartsWith("Qualifier Override :"),
+                                        testing::StartsWith("Qualifier In :")));
+    EXPECT_EQ(Failure(EnumerateQualifiers{}, "root/none"),
+              "3 namespace does not exist (root/none)");
 }
 
 TEST_F(Classes, UnknownNamespaceWinsOverUnknownClass) {
@@ -158,6 +185,13 @@ TEST_F(Classes, EnumerateClassesAppliesTheFiltersToEach) {
     Run(EnumerateClasses{"", false, false, false, false});
     ASSERT_THAT(sink.lines, ElementsAre("class HT_Base", "class HT_Nobody"));
     EXPECT_EQ(Described(sink.classes[0]), "HT_Base Id Number Start(Name)");
+}
+
+TEST_F(Classes, ACallWithAFaultIsAnsweredWithItUnlessTheNamespaceIsWrong) {
+    const OpenWBEM::CIMException error(__FILE__, __LINE__,
+                                       OpenWBEM::CIMException::INVALID_PARAMETER, "Parameter X");
+    EXPECT_EQ(Failure(FaultyCall{error}), "4 invalid parameter passed to method (Parameter X)");
+    EXPECT_EQ(Failure(FaultyCall{error}, "root/none"), "3 namespace does not exist (root/none)");
 }
 
 TEST_F(Classes, EveryOtherOperationIsNotSupported) {

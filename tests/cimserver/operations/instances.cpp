@@ -229,5 +229,18 @@ TEST_F(Instances, GetPropertyOfAnUnknownInstanceIsNotFoundEvenWhenThePropertyIsU
               "6 requested object could not be found");
 }
 
+TEST_F(Instances, AClassWithOneKeyNeedsNoNameForIt) {
+    leaf.answer = Made("HT_Leaf", "1");
+    Run(GetInstance{Path("HT_Leaf", "", "1")});
+    EXPECT_EQ(std::string(leaf.askedFor.toString().c_str()), "/:HT_Leaf.Id=\"1\"");
+}
+
+TEST_F(Instances, AKeyThatCannotHaveItsTypeIsNamed) {
+    schema.AddText("[Provider(\"c++::Leaf\")] class HT_Numbered { [Key] uint8 Number; };", "more");
+    EXPECT_EQ(Failure(GetInstance{Path("HT_Numbered", "number", "one")}),
+              "1 general error (Key Number: Unable to convert \"one\" into UInt8)");
+    EXPECT_THAT(leaf.calls, IsEmpty());
+}
+
 } // namespace
 } // namespace operationstest

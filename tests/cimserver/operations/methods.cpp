@@ -205,17 +205,18 @@ TEST_F(Methods, TypedValuesAreConvertedToo) {
 }
 
 TEST_F(Methods, ValuesThatDoNotFitAreRefused) {
-    const std::string refused = "4 invalid parameter passed to method (general error (";
+    const std::string refused = "4 invalid parameter passed to method (Parameter Number: ";
     EXPECT_EQ(InOf("Typed", Sent({Of("Number", "300")})),
-              refused + "Unable to convert \"300\" into UInt8))");
+              refused + "Unable to convert \"300\" into UInt8)");
     EXPECT_EQ(InOf("Typed", Sent({Of("Number", "five")})),
-              refused + "Unable to convert \"five\" into UInt8))");
+              refused + "Unable to convert \"five\" into UInt8)");
     EXPECT_EQ(
         InOf("Typed", Sent({CIMParamValue("Flag", CIMValue(OpenWBEM::UInt8(1)))})).substr(0, 2),
         "4 ");
     EXPECT_EQ(InOf("Typed", Sent({CIMParamValue("Other", CIMValue(true))})).substr(0, 2), "4 ");
-    // What is no CIMException keeps its text.
-    EXPECT_EQ(InOf("Typed", Sent({Of("When", "tomorrow")})), "1 Invalid format for date time");
+    // A text that is no date is no CIMException.
+    EXPECT_EQ(InOf("Typed", Sent({Of("When", "tomorrow")})),
+              "1 general error (Parameter When: Invalid format for date time)");
 }
 
 TEST_F(Methods, RequiredParametersMustBeSentButMayBeNull) {

@@ -87,6 +87,10 @@ public:
         if (name == "Silent") {
             return CIMValue(CIMNULL);
         }
+        if (name == "Tell") {
+            out[0].setValue(path.getKeyValue("Id"));
+            out[1].setValue(in[0].getValue());
+        }
         if (name != "Describe") {
             return CIMValue(UInt32(0));
         }
