@@ -251,6 +251,33 @@ bool takeWords(const char* text, std::size_t length, FreeForm& form) {
     return form.hasMonth && form.hasDay && form.hasTime && form.hasYear && inRange(form.time);
 }
 
+bool twoDigits(const char* text, int& number) {
+    return toNumber(Word{text, 2, false}, number);
+}
+
+// `Thu Jan  2 03:04:05 UTC 2025`, as date(1) and ctime(3) write it: every field at its place. False
+// for anything else, which takeWords may still understand; both read this form alike.
+bool takeDateForm(const char* text, std::size_t length, FreeForm& form) {
+    const std::size_t zoneBegin = 20;
+    const std::size_t yearLength = 4;
+    if (length < zoneBegin + 1 + 1 + yearLength || text[3] != ' ' || text[7] != ' ' ||
+        text[10] != ' ' || text[13] != ':' || text[16] != ':' || text[19] != ' ' ||
+        text[length - yearLength - 1] != ' ') {
+        return false;
+    }
+    const int month = indexOfName(Word{text + 4, 3, false}, MONTHS);
+    const bool blankDay = text[8] == ' ';
+    const Word day = {text + (blankDay ? 9 : 8), blankDay ? 1U : 2U, false};
+    const Word zone = {text + zoneBegin, length - zoneBegin - 1 - yearLength, false};
+    form.time.month = month + 1;
+    return month >= 0 && indexOfName(Word{text, 3, false}, WEEKDAYS) >= 0 &&
+           toNumber(day, form.time.day) && twoDigits(text + 11, form.time.hour) &&
+           twoDigits(text + 14, form.time.minute) && twoDigits(text + 17, form.time.second) &&
+           takeZone(zone, form) &&
+           readYear(Word{text + length - yearLength, yearLength, false}, form.time.year) &&
+           inRange(form.time);
+}
+
 // False where the shift would go back into the year before.
 bool shiftBack(CalendarTime& time, int hours) {
     time.hour -= hours;
@@ -297,8 +324,11 @@ bool shiftToUtc(CalendarTime& time, int hoursEast) {
 
 bool parseFreeForm(const char* text, std::size_t length, Instant& instant) {
     FreeForm form;
-    if (!takeWords(text, length, form)) {
-        return false;
+    if (!takeDateForm(text, length, form)) {
+        form = FreeForm();
+        if (!takeWords(text, length, form)) {
+            return false;
+        }
     }
     if (form.hasZone) {
         if (!shiftToUtc(form.time, form.hoursEast)) {

@@ -126,6 +126,39 @@ TEST(DateTimeFreeForm, ReadsEveryWeekdayWholeAndByThreeLetters) {
     }
 }
 
+// The seconds as text, or `refused`.
+std::string readOrRefused(const std::string& text) {
+    try {
+        return std::to_string(DateTime(String(text.c_str())).get());
+    } catch (const DateTimeException&) {
+        return "refused";
+    }
+}
+
+// The form of date(1) is read by its columns. A blank in front moves all of them, and the text must
+// mean the same.
+TEST(DateTimeFreeForm, TheFormOfDateMeansWhatItsWordsMean) {
+    useZone("UTC");
+    const std::string usual = "Thu Jan 12 03:04:05 CET 2025";
+    const std::string characters = "019:A zTu-\t\xC3";
+    for (std::size_t i = 0; i < usual.size(); ++i) {
+        for (const char character : characters) {
+            std::string text = usual;
+            text[i] = character;
+            EXPECT_EQ(readOrRefused(text), readOrRefused(" " + text)) << text;
+            text.insert(i, 1, usual[i]);
+            EXPECT_EQ(readOrRefused(text), readOrRefused(" " + text)) << text;
+        }
+        std::string shorter = usual;
+        shorter.erase(i, 1);
+        EXPECT_EQ(readOrRefused(shorter), readOrRefused(" " + shorter)) << shorter;
+    }
+    for (const char* zone : {"UTC", "Z", "CEST", "J", "XYZ", "ABCDE", "U C", "12", "1:2"}) {
+        const std::string text = std::string("Fri Feb  2 13:14:15 ") + zone + " 2024";
+        EXPECT_EQ(readOrRefused(text), readOrRefused(" " + text)) << text;
+    }
+}
+
 TEST(DateTimeFreeForm, EverythingElseIsRefused) {
     for (const char* zone : {"UTC", "Europe/Berlin"}) {
         useZone(zone);
