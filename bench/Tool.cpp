@@ -1,7 +1,11 @@
 #include "bench/Tool.hpp"
 
 #include <array>
+#include <cstdlib>
+#include <fstream>
 #include <string>
+#include <system_error>
+#include <unistd.h>
 
 namespace bench {
 namespace {
@@ -19,7 +23,25 @@ std::string Listing(int count) {
     return text;
 }
 
+const std::filesystem::path toolLink = "/qv/bin/patchkeeper";
+
 } // namespace
+
+LeanTool::LeanTool(int count)
+    : listing_(std::filesystem::temp_directory_path() / ("bench-" + std::to_string(getpid()))),
+      replaced_(std::filesystem::read_symlink(toolLink)) {
+    std::ofstream(listing_) << Listing(count);
+    setenv("BENCH_LISTING", listing_.c_str(), 1);
+    std::filesystem::remove(toolLink);
+    std::filesystem::create_symlink(LEAN_TOOL, toolLink);
+}
+
+LeanTool::~LeanTool() {
+    std::error_code ignored;
+    std::filesystem::remove(toolLink, ignored);
+    std::filesystem::create_symlink(replaced_, toolLink, ignored);
+    std::filesystem::remove(listing_, ignored);
+}
 
 void Tool::List(int count) {
     if (count != count_) {

@@ -5,18 +5,9 @@
 #include "cimserver/cimxml/Trailers.hpp"
 #include "cimserver/cimxml/Values.hpp"
 
-#include <system_error>
-
 namespace cimserver::cimxml {
 
 using OpenWBEM::CIMException;
-
-namespace {
-
-/// Answers with fewer are made before a thread of their own would pay.
-constexpr std::uint64_t instancesWithoutPipe = 2'000;
-
-} // namespace
 
 AnswerWriter::AnswerWriter(Output& output, const AnswerTo& request)
     : output_(output), xml_(output), instances_(xml_), request_(request) {
@@ -40,7 +31,6 @@ void AnswerWriter::Finish() {
 }
 
 void AnswerWriter::Fail(const CIMException& error) {
-    pipe_.reset();
     if (output_.HasLeft()) {
         output_.Trailers(TrailersOf(error));
         return;
@@ -79,17 +69,6 @@ void AnswerWriter::ThrowEarlierFailure() const {
 
 template <class Write>
 void AnswerWriter::WriteResult(Write write) {
-    Attempt([&] {
-        if (pipe_) {
-            pipe_->Finish();
-            pipe_.reset();
-        }
-        write();
-    });
-}
-
-template <class Write>
-void AnswerWriter::Attempt(Write write) {
     ThrowEarlierFailure();
     try {
         write();
@@ -119,22 +98,7 @@ void AnswerWriter::Instance(const OpenWBEM::CIMInstance& instance) {
 }
 
 void AnswerWriter::NamedInstance(const OpenWBEM::CIMInstance& instance) {
-    Attempt([&] { WriteOrPass(instance); });
-}
-
-void AnswerWriter::WriteOrPass(const OpenWBEM::CIMInstance& instance) {
-    if (++namedInstances_ == instancesWithoutPipe) {
-        try {
-            pipe_.emplace(instances_);
-        } catch (const std::system_error&) { // no thread: it is written here, as before
-            pipe_.reset();
-        }
-    }
-    if (pipe_) {
-        pipe_->Add(instance);
-    } else {
-        instances_.WriteNamed(instance);
-    }
+    WriteResult([&] { instances_.WriteNamed(instance); });
 }
 
 void AnswerWriter::InstanceName(const OpenWBEM::CIMObjectPath& path) {

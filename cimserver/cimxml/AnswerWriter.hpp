@@ -1,12 +1,10 @@
 // Writes the answer to one operation while its results arrive.
 #pragma once
 
-#include "cimserver/cimxml/InstancePipe.hpp"
 #include "cimserver/cimxml/InstanceWriter.hpp"
 #include "cimserver/cimxml/XmlBuffer.hpp"
 #include "cimserver/operations/Operations.hpp"
 
-#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -59,19 +57,12 @@ private:
     void OpenEnvelope();
     void CloseEnvelope();
     void ThrowEarlierFailure() const;
-    /// Keeps what `write` throws and throws it as a CIMException.
-    template <class Write>
-    void Attempt(Write write);
-    /// The same behind everything that was delivered before.
     template <class Write>
     void WriteResult(Write write);
-    void WriteOrPass(const OpenWBEM::CIMInstance& instance);
 
     Output& output_;
     XmlBuffer xml_;
     InstanceWriter instances_;
-    std::uint64_t namedInstances_ = 0;
-    std::optional<InstancePipe> pipe_;
     const AnswerTo& request_;
     Frame frame_ = Frame::None;
     std::optional<OpenWBEM::CIMException> failure_;
