@@ -29,9 +29,9 @@ bool AreTheSame(const CIMQualifierArray& one, const CIMQualifierArray& other) {
 InstanceWriter::InstanceWriter(XmlBuffer& xml) : xml_(xml) {
 }
 
-template <class WriteStart>
+template <class Function>
 void InstanceWriter::Keep(Start& start, const CIMProperty& property, CIMDataType::Type type,
-                          WriteStart write) {
+                          Function write) {
     const std::uint64_t position = xml_.Position();
     write();
     start.name = View(CIMModelView::name(property));
@@ -61,9 +61,19 @@ void InstanceWriter::WriteProperty(const CIMProperty& property, Start& start) {
     xml_.Markup("</VALUE></PROPERTY>");
 }
 
+void InstanceWriter::WriteStart(const String& className, const CIMQualifierArray& qualifiers) {
+    if (!start_.markup.empty() && start_.name == View(className) && qualifiers.empty()) {
+        xml_.Markup(start_.markup);
+        return;
+    }
+    const std::uint64_t position = xml_.Position();
+    WriteInstanceStart(xml_, className, qualifiers);
+    start_.name = View(className);
+    start_.markup = qualifiers.empty() ? xml_.Since(position) : std::string_view();
+}
+
 void InstanceWriter::Write(const CIMInstance& instance) {
-    const String& className = CIMModelView::className(instance);
-    WriteInstanceStart(xml_, className, CIMModelView::qualifiers(instance));
+    WriteStart(CIMModelView::className(instance), CIMModelView::qualifiers(instance));
     const CIMPropertyArray& properties = CIMModelView::properties(instance);
     if (properties_.size() < properties.size()) {
         properties_.resize(properties.size());

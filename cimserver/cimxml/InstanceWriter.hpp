@@ -23,7 +23,7 @@ public:
     void WriteNamed(const OpenWBEM::CIMInstance& instance);
 
 private:
-    /// What was written in front of a value, and of what kind of property or key.
+    /// What was written in front of a value or of all values, and of what kind of property or key.
     struct Start {
         std::string name;
         OpenWBEM::CIMDataType::Type type = OpenWBEM::CIMDataType::INVALID;
@@ -31,14 +31,17 @@ private:
         std::string markup; ///< empty when it could not be kept
     };
 
+    void WriteStart(const OpenWBEM::String& className,
+                    const OpenWBEM::CIMQualifierArray& qualifiers);
     void WriteName(const OpenWBEM::String& className, const OpenWBEM::CIMPropertyArray& keys);
     void WriteProperty(const OpenWBEM::CIMProperty& property, Start& start);
-    template <class WriteStart>
+    template <class Function>
     void Keep(Start& start, const OpenWBEM::CIMProperty& property, OpenWBEM::CIMDataType::Type type,
-              WriteStart write);
+              Function write);
 
     XmlBuffer& xml_;
     std::string className_;
+    Start start_;
     Start key_;
     std::vector<Start> properties_;
 };

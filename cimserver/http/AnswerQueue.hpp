@@ -21,7 +21,7 @@ namespace cimserver::http {
 class AnswerQueue {
 public:
     static constexpr std::size_t blockSize = std::size_t{64} * 1024;
-    static constexpr std::size_t maxBlocks = 16;
+    static constexpr std::size_t maxBlocks = 32;
 
     explicit AnswerQueue(std::string spoolDirectory);
     ~AnswerQueue();

@@ -59,6 +59,8 @@ std::vector<CIMInstance> Different() {
     twice.setProperty("Q", CIMValue("second"));
     CIMQualifier other("Other");
     other.setValue(CIMValue(true));
+    CIMInstance qualified("A");
+    qualified.setQualifier(other);
     return {
         With(CIMProperty("P", CIMValue("other text"))),
         With(CIMProperty("P", CIMValue("<&>\""))),
@@ -78,6 +80,7 @@ std::vector<CIMInstance> Different() {
         With(Qualified(other)),
         twice,
         CIMInstance("A"),
+        qualified,
         Keyed("A", CIMPropertyArray(1, CIMProperty("K", CIMValue("key")))),
         Keyed("A", CIMPropertyArray(1, CIMProperty("L", CIMValue("key")))),
         Keyed("B", CIMPropertyArray(1, CIMProperty("K", CIMValue("key")))),
