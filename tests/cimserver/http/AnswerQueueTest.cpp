@@ -19,7 +19,7 @@ using http_test::Pattern;
 using http_test::SpoolDirectory;
 using End = AnswerQueue::End;
 
-constexpr std::size_t inMemory = 1024 * 1024;
+constexpr std::size_t inMemory = AnswerQueue::maxBlocks * AnswerQueue::blockSize;
 
 /// Exactly `count` bytes.
 std::string Take(AnswerQueue& queue, std::size_t count) {
@@ -84,7 +84,7 @@ TEST_F(Queue, SingleBytesKeepTheirOrder) {
     EXPECT_TRUE(TakeAll(queue, 1000) == text);
 }
 
-TEST_F(Queue, HoldsOneMebibyteInMemoryAndTheRestInTheFile) {
+TEST_F(Queue, HoldsSoMuchInMemoryAndTheRestInTheFile) {
     queue.Append(Pattern(inMemory));
     EXPECT_FALSE(HasFile());
     queue.Append("x");

@@ -149,7 +149,7 @@ TEST(HttpServer, AnAnswerThatCanBeKeptNowhereIsStatus500) {
     std::string reason;
     Server server(settings, [&](const Request& request, Answer& answer) {
         try {
-            answer.Append(std::string(request.body.empty() ? 100 : 2'000'000, 'x'));
+            answer.Append(std::string(request.body.empty() ? 100 : 3'000'000, 'x'));
         } catch (const std::runtime_error& error) {
             reason = error.what();
             throw;
