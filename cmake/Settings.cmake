@@ -25,7 +25,8 @@ add_library(project_settings INTERFACE)
 target_compile_options(project_settings INTERFACE
     -Wall -Wextra -Wpedantic -Werror
     -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast -Wnon-virtual-dtor
-    -Woverloaded-virtual -Wcast-align -Wformat=2 -Wimplicit-fallthrough -Wundef)
+    -Woverloaded-virtual -Wcast-align -Wformat=2 -Wimplicit-fallthrough -Wundef
+    -Wzero-as-null-pointer-constant)
 target_link_libraries(project_settings INTERFACE Threads::Threads)
 
 # Nobody replaces single functions of our shared libraries, so they may call their own directly.
