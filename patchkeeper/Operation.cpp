@@ -141,12 +141,22 @@ void FailMark(const State& state, const std::string& reason) noexcept {
     }
 }
 
+// One short write: a reader sees the number, or nothing yet.
+void RequestCancel(const State& state, std::int64_t number) {
+    std::ofstream out(state.CancelFile(), std::ios::trunc);
+    out << std::to_string(number) + '\n' << std::flush;
+    if (!out) {
+        throw StateProblem(state.CancelFile().string() + " cannot be written");
+    }
+}
+
 Operation::Operation(const State& state, Store& store, const Settings& settings,
                      OperationSubject subject, std::ostream& notes)
     : state_(state), store_(store), lock_(state.LockFile(), settings.lockTimeout) {
     Recover(state_, store_, notes);
     Transaction transaction = store_.Begin(Transaction::Kind::Write);
-    row_.number = store_.ReadOperation().number + 1;
+    before_ = store_.ReadOperation();
+    row_.number = before_.number + 1;
     row_.state = Row::State::Running;
     row_.kind = std::move(subject.kind);
     row_.text = std::move(subject.text);
@@ -181,6 +191,12 @@ void Operation::Progress(std::uint64_t done, std::uint64_t total, const std::str
     std::filesystem::rename(draft, state_.ProgressFile(), ignored);
 }
 
+bool Operation::IsCancelRequested() const {
+    std::ifstream in(state_.CancelFile());
+    std::string line;
+    return std::getline(in, line) && !in.eof() && line == std::to_string(row_.number);
+}
+
 void Operation::End(Row::State state, const std::string& text) {
     Row end = row_;
     end.state = state;
@@ -195,6 +211,12 @@ void Operation::Succeed(const std::string& text) {
 
 void Operation::Fail(const std::string& text) {
     End(Row::State::Failed, text);
+}
+
+void Operation::Withdraw() {
+    before_.number = row_.number;
+    store_.WriteOperation(before_);
+    row_ = before_;
 }
 
 void Operation::FailQuietly(const std::string& text) noexcept {
