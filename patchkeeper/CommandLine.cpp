@@ -95,8 +95,8 @@ ExitCode RunOptions(const Arguments& arguments, bool table, const Output& output
     CLI::App app(
         "Lists the software that is installed on this machine: one line per package with name,\n"
         "version, classification and date of installation, separated by tabs. With a command it\n"
-        "takes in and lists updates; all that it keeps is in $PATCHKEEPER_ROOT (default\n"
-        "/var/lib/patchkeeper).",
+        "takes in, lists, applies, takes back and schedules updates; all that it keeps is in\n"
+        "$PATCHKEEPER_ROOT (default /var/lib/patchkeeper).",
         "patchkeeper");
     std::string code;
     bool mark = false;
