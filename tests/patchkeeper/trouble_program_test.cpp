@@ -48,8 +48,10 @@ constexpr CommandCode readers[] = {
     {"--status", 12},
 };
 constexpr CommandCode writers[] = {
-    {"--setinprogress", 12}, {"--usb /tmp", 22}, {"--hd /tmp", 14},
-    {"forget demo 1", 12},   {"prune", 12},
+    {"--setinprogress", 12},     {"--usb /tmp", 22},      {"--hd /tmp", 14},
+    {"--apply demo 1", 15},      {"--rback demo 1", 16},  {"--sched demo 1 x y", 17},
+    {"--msched demo 1 x y", 18}, {"--msched demo 1", 18}, {"--run-due", 15},
+    {"forget demo 1", 12},       {"prune", 12},
 };
 
 class Trouble : public patchkeeper_test::OnState {
@@ -114,7 +116,7 @@ TEST_F(Trouble, DamagedDatabaseFailsEveryCommandWithItsCode) {
 TEST_F(Trouble, NewerDatabaseFailsEveryCommandWithItsCode) {
     Output("prune");
     Sql("PRAGMA user_version = 99");
-    ExpectAllFail(Database() + " has version 99, which is newer than this program's 1");
+    ExpectAllFail(Database() + " has version 99, which is newer than this program's 2");
 }
 
 TEST_F(Trouble, MistakesInTheSettingsFailEveryCommandWithItsCode) {
@@ -138,7 +140,10 @@ TEST_F(Trouble, BusyDatabaseFailsEveryCommandAfterABoundedWait) {
     const std::string sentence = Database() + " is busy: another command has kept it for 1000 ms";
     for (const CommandCode& row :
          {CommandCode{"", 1}, CommandCode{"--cache", 12}, CommandCode{"--status", 12},
-          CommandCode{"--usb /tmp", 22}, CommandCode{"--setinprogress", 12}}) {
+          CommandCode{"--usb /tmp", 22}, CommandCode{"--setinprogress", 12},
+          CommandCode{"--apply demo 1", 15}, CommandCode{"--rback demo 1", 16},
+          CommandCode{"--sched demo 1 x y", 17}, CommandCode{"--msched demo 1", 18},
+          CommandCode{"--run-due", 15}}) {
         ExpectFailure(row, sentence);
     }
     database.Execute("COMMIT");
@@ -155,8 +160,10 @@ TEST_F(Trouble, RunningOperationKeepsOthersOutAndListsGoOn) {
                                      {"fetch", "fetching from /mnt", "", ""}, notes);
     operation.Progress(50, 200, "fetching x.tar.gz");
     const std::string sentence = "another operation is running, and has been for 1000 ms";
-    for (const CommandCode& row : {CommandCode{"--hd /tmp", 14}, CommandCode{"--usb /tmp", 22},
-                                   CommandCode{"forget demo 1.0", 12}, CommandCode{"prune", 12}}) {
+    for (const CommandCode& row :
+         {CommandCode{"--hd /tmp", 14}, CommandCode{"--usb /tmp", 22},
+          CommandCode{"--apply demo 1.0", 15}, CommandCode{"--rback demo 1.0", 16},
+          CommandCode{"forget demo 1.0", 12}, CommandCode{"prune", 12}}) {
         ExpectFailure(row, sentence);
     }
     ExpectFailure({"--setinprogress", 12}, "an operation is running: fetching from /mnt");

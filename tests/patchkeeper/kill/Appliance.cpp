@@ -9,20 +9,16 @@
 
 #include <fcntl.h>
 #include <spawn.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include "patchkeeper/TestBundle.hpp"
 
 namespace patchkeeper_test {
 
 namespace fs = std::filesystem;
 
 namespace {
-
-std::string Contents(const fs::path& file) {
-    std::ifstream in(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
 
 void Write(const fs::path& file, const std::string& text, int mode = 0644) {
     fs::create_directories(file.parent_path());
@@ -76,26 +72,6 @@ std::vector<char*> Pointers(std::vector<std::string>& texts) {
 }
 
 } // namespace
-
-Tree TreeOf(const fs::path& directory) {
-    Tree tree;
-    if (!fs::exists(directory)) {
-        return tree;
-    }
-    for (const auto& entry : fs::recursive_directory_iterator(directory)) {
-        struct stat status {};
-        lstat(entry.path().c_str(), &status);
-        std::ostringstream text;
-        text << std::oct << status.st_mode << ' ';
-        if (entry.is_symlink()) {
-            text << fs::read_symlink(entry.path()).string();
-        } else if (entry.is_regular_file()) {
-            text << Contents(entry.path());
-        }
-        tree[entry.path().lexically_relative(directory).string()] = text.str();
-    }
-    return tree;
-}
 
 Appliance::Appliance() : base_(Base()) {
     Write(Root() / "patchkeeper.conf", "allow_unsigned = true\n");

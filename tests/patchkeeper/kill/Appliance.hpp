@@ -1,18 +1,12 @@
 #pragma once
 
 #include <filesystem>
-#include <map>
 #include <string>
 #include <vector>
 
-#include "patchkeeper/TestBundle.hpp"
+#include "patchkeeper/Tree.hpp"
 
 namespace patchkeeper_test {
-
-// What stands below a directory: by path, the kind, mode and content of each file, link and
-// directory.
-using Tree = std::map<std::string, std::string>;
-Tree TreeOf(const std::filesystem::path& directory);
 
 // How a run of the program ended.
 struct Ended {
