@@ -49,7 +49,7 @@ TEST_F(RollBack, EverythingIsAsItWas) {
     EXPECT_EQ(Output("--rback demo 1.0"), "");
     EXPECT_EQ(Files(), before);
     EXPECT_EQ(Output("--hist"), "");
-    EXPECT_EQ(Output("--cache"), "demo\t1.0\tA demo\t31\t-\tAvailable\n");
+    EXPECT_EQ(Output("--cache"), "demo\t1.0\tA demo\t20\t-\tAvailable\n");
     EXPECT_EQ(Output("--status"), "2\t100 %, 11 of 11 bytes: demo 1.0 has been rolled back\n");
     ExpectNoLeftovers();
     EXPECT_EQ(Output("--apply demo 1.0"), "");

@@ -290,6 +290,48 @@ TEST_F(Trouble, TenFetchesAndTenListsAtOnceAllSucceed) {
     EXPECT_THAT(Output("--status"), StartsWith("2\t"));
 }
 
+TEST_F(Trouble, ApplyingRollingBackAndSchedulingAtOnceAllComeOutWhole) {
+    directory_.Write("root/patchkeeper.conf", "allow_unsigned = true\nlock_timeout = 100\n");
+    for (int i = 0; i < 6; ++i) {
+        Take({.name = "demo" + std::to_string(i),
+              .path = "etc/" + std::to_string(i),
+              .text = patchkeeper_test::Noise(50'000)});
+    }
+    for (const char* update : {"demo0 1.0", "demo1 1.0"}) {
+        Output("--apply " + std::string(update));
+    }
+    const std::string when = " 'Wed May 18 03:33:20 2033' 'Wed May 18 03:33:20 2033'";
+    const std::string commands[] = {
+        "--rback demo0 1.0",        "--rback demo1 1.0", "--apply demo2 1.0",
+        "--apply demo3 1.0",        "--apply demo3 1.0", "--sched demo4 1.0" + when,
+        "--sched demo5 1.0" + when, "--run-due",         "--hd " + At("incoming.tar.gz").string(),
+        "--hist >/dev/null"};
+    std::string all;
+    for (std::size_t i = 0; i < std::size(commands); ++i) {
+        all += "{ patchkeeper " + commands[i] + "; echo " + std::to_string(i) + ": $?; } & ";
+    }
+    const Result result = InShell(all + "wait");
+    std::multiset<std::string> codes;
+    std::istringstream lines(result.output);
+    for (std::string line; std::getline(lines, line);) {
+        codes.insert(line.starts_with("4: ") ? line.replace(0, 1, "3") : line);
+    }
+    // One of the two that apply the same update comes too late.
+    EXPECT_EQ(codes, (std::multiset<std::string>{"0: 0", "1: 0", "2: 0", "3: 0", "3: 15", "5: 0",
+                                                 "6: 0", "7: 0", "8: 0", "9: 0"}));
+    EXPECT_EQ(result.errors, "patchkeeper: demo3 1.0 is applied already.\n");
+    std::set<std::string> installed;
+    for (const auto& file : fs::directory_iterator(Root() / "target/etc")) {
+        installed.insert(file.path().filename().string());
+        EXPECT_EQ(fs::file_size(file.path()), 50'000U);
+    }
+    EXPECT_EQ(installed, (std::set<std::string>{"2", "3"}));
+    const std::string history = Output("--hist");
+    EXPECT_EQ(std::count(history.begin(), history.end(), '\n'), 2);
+    const std::string schedules = Output("--sched");
+    EXPECT_EQ(std::count(schedules.begin(), schedules.end(), '\n'), 2);
+}
+
 TEST_F(Trouble, OfTenMarksAtOnceOneIsTaken) {
     const Result result = InShell(
         "for i in 0 1 2 3 4 5 6 7 8 9; do { patchkeeper --setinprogress; echo $?; } & done; wait");
