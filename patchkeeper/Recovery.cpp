@@ -48,6 +48,7 @@ void FinishInterruptedUpdates(const State& state, Store& store, std::ostream& no
         }
         Note(notes, isApply ? "the interrupted apply of " + address + " has been undone"
                             : "the interrupted roll-back of " + address + " has been finished");
+        ClearLeftovers(state, store);
     }
 }
 

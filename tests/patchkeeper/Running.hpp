@@ -53,7 +53,8 @@ public:
         }
         return !ended_;
     }
-    void Kill() { kill(process_, SIGKILL); }
+    void Kill() { Signal(SIGKILL); }
+    void Signal(int signal) { kill(process_, signal); }
     // The exit code, or -1 when a signal ended it.
     int Wait() {
         if (!ended_) {

@@ -173,6 +173,20 @@ TEST_F(RollBack, RunningApplyIsCancelledAndUndone) {
     ExpectNoLeftovers();
 }
 
+TEST_F(RollBack, CancelOfAnApplyThatDoesNotStopGivesUp) {
+    TakeSlow();
+    directory_.Write("root/patchkeeper.conf",
+                     "allow_unsigned = true\nlock_timeout = 1\napply_rate = 20K\n");
+    Running apply(Root(), {"--apply", "demo", "1.0"});
+    WaitUntilApplying(apply);
+    apply.Signal(SIGSTOP);
+    ExpectFailure("--rback demo 1.0", 16,
+                  "the apply of demo 1.0 has been told to stop, and has not within 1 s");
+    apply.Signal(SIGCONT);
+    EXPECT_EQ(apply.Wait(), 15);
+    EXPECT_EQ(Output("--status"), "-1\tdemo 1.0 was cancelled\n");
+}
+
 TEST_F(RollBack, CancelOfAnotherUpdateWaitsForTheRunningOneAndGivesUp) {
     Take({.name = "other", .files = {{"files/other", "1"}}});
     Output("--apply other 1.0");
@@ -184,6 +198,31 @@ TEST_F(RollBack, CancelOfAnotherUpdateWaitsForTheRunningOneAndGivesUp) {
     ExpectFailure("--rback other 1.0", 16,
                   "another operation is running, and has been for 1000 ms");
     EXPECT_THAT(Output("--apply"), StartsWith("demo\t1.0\t"));
+}
+
+TEST_F(RollBack, WhatCannotBeUndoneNowIsTriedAgainByEveryCommand) {
+    Put("etc/demo.conf", "old\n");
+    const Tree before = Files();
+    Take();
+    Output("--apply demo 1.0");
+    Sql("UPDATE applied SET state = 'applying'"); // as if it had died before its last step
+    EXPECT_EQ(Output("--hist"), "");
+    fs::rename(Target() / "etc", Target() / "moved");
+    fs::create_symlink("moved", Target() / "etc");
+    const std::string reason =
+        "the interrupted apply of demo 1.0 cannot be undone: " + (Target() / "etc").string() +
+        " is a symbolic link, and none is followed below the target";
+    ExpectFailure("prune", 12, reason);
+    ExpectFailure("--rback demo 1.0", 16, reason);
+    ExpectFailure("--hd " + At("incoming.tar.gz").string(), 14, reason);
+    fs::remove(Target() / "etc");
+    fs::rename(Target() / "moved", Target() / "etc");
+    const Result next = Run("--msched demo 1.0");
+    EXPECT_EQ(next.exitCode, 18);
+    EXPECT_EQ(next.errors, "patchkeeper: note: the interrupted apply of demo 1.0 has been undone.\n"
+                           "patchkeeper: demo 1.0 is not scheduled.\n");
+    EXPECT_EQ(Files(), before);
+    ExpectNoLeftovers();
 }
 
 TEST_F(RollBack, NextCommandUndoesAKilledApplyAndSaysSo) {
