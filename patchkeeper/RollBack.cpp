@@ -109,7 +109,7 @@ void RollBack(const State& state, const std::string& name, const std::string& ve
     const std::string address = name + ' ' + version;
     const Settings settings = OrFailMark(state, [&] { return state.Settings(); });
     Store store = OrFailMark(state, [&] { return state.OpenOrMake(settings); });
-    if (CancelApply(state, store, settings, name, version)) {
+    if (OrFailMark(state, [&] { return CancelApply(state, store, settings, name, version); })) {
         if (messages.toPerson) {
             messages.out << FieldText("the apply of " + address + " has been cancelled") << ".\n";
         }

@@ -84,11 +84,12 @@ std::string ApplyDue(const State& state, Store& store, const Settings& settings,
         notes);
     try {
         const auto schedule = store.FindSchedule(bundle.id);
-        if (!schedule || !IsDue(*schedule, std::time(nullptr))) {
+        const auto held = store.FindBundle(bundle.name, bundle.version);
+        if (!held || !schedule || !IsDue(*schedule, std::time(nullptr))) {
             operation.Withdraw(); // another command was quicker
             return "";
         }
-        const std::string sentence = ApplyHeld(state, store, settings, operation, bundle, {});
+        const std::string sentence = ApplyHeld(state, store, settings, operation, *held, {});
         notes << "patchkeeper: note: " << FieldText(sentence) << ".\n";
         return "";
     } catch (const std::exception& error) {

@@ -20,11 +20,12 @@ using testing::StartsWith;
 
 class RollBack : public patchkeeper_test::OnTarget {
 protected:
-    // An apply slow enough to be met while it runs.
+    // An apply slow enough to be met while it runs: each piece of the bundle takes it longer than
+    // others wait.
     void TakeSlow() const {
         Take({.files = {{"files/data", patchkeeper_test::Noise(400'000)}, {"files/new/a", "x"}}});
         directory_.Write("root/patchkeeper.conf",
-                         "allow_unsigned = true\nlock_timeout = 20\napply_rate = 20K\n");
+                         "allow_unsigned = true\nlock_timeout = 8\napply_rate = 2K\n");
     }
     void WaitUntilApplying(Running& apply) const {
         while (Output("--apply").empty()) {
@@ -176,7 +177,7 @@ TEST_F(RollBack, RunningApplyIsCancelledAndUndone) {
 TEST_F(RollBack, CancelOfAnApplyThatDoesNotStopGivesUp) {
     TakeSlow();
     directory_.Write("root/patchkeeper.conf",
-                     "allow_unsigned = true\nlock_timeout = 1\napply_rate = 20K\n");
+                     "allow_unsigned = true\nlock_timeout = 1\napply_rate = 2K\n");
     Running apply(Root(), {"--apply", "demo", "1.0"});
     WaitUntilApplying(apply);
     apply.Signal(SIGSTOP);
@@ -192,7 +193,7 @@ TEST_F(RollBack, CancelOfAnotherUpdateWaitsForTheRunningOneAndGivesUp) {
     Output("--apply other 1.0");
     TakeSlow();
     directory_.Write("root/patchkeeper.conf",
-                     "allow_unsigned = true\nlock_timeout = 1\napply_rate = 20K\n");
+                     "allow_unsigned = true\nlock_timeout = 1\napply_rate = 2K\n");
     Running apply(Root(), {"--apply", "demo", "1.0"});
     WaitUntilApplying(apply);
     ExpectFailure("--rback other 1.0", 16,

@@ -178,8 +178,11 @@ TEST_F(Trouble, ReadOnlyRootCanBeListedButNotChanged) {
     EXPECT_EQ(Output("--cache"), "demo\t1.0\tA demo\t6\t-\tAvailable\n");
     EXPECT_THAT(Output("--status"), StartsWith("2\t"));
     EXPECT_GT(Output("").size(), 0U);
-    for (const CommandCode& row : {CommandCode{"--setinprogress", 12}, CommandCode{"prune", 12},
-                                   CommandCode{"--hd ", 14}, CommandCode{"--usb ", 22}}) {
+    for (const CommandCode& row :
+         {CommandCode{"--setinprogress", 12}, CommandCode{"prune", 12}, CommandCode{"--hd ", 14},
+          CommandCode{"--usb ", 22}, CommandCode{"--apply demo 1.0", 15},
+          CommandCode{"--rback demo 1.0", 16}, CommandCode{"--sched demo 1.0 x y", 17},
+          CommandCode{"--msched demo 1.0", 18}}) {
         const std::string arguments = row.arguments;
         const Result result = Run(arguments + (arguments.ends_with(' ') ? bundle : ""));
         EXPECT_EQ(result.exitCode, row.exitCode) << arguments;
