@@ -181,8 +181,9 @@ TEST_F(Trouble, ReadOnlyRootCanBeListedButNotChanged) {
     for (const CommandCode& row :
          {CommandCode{"--setinprogress", 12}, CommandCode{"prune", 12}, CommandCode{"--hd ", 14},
           CommandCode{"--usb ", 22}, CommandCode{"--apply demo 1.0", 15},
-          CommandCode{"--rback demo 1.0", 16}, CommandCode{"--sched demo 1.0 x y", 17},
-          CommandCode{"--msched demo 1.0", 18}}) {
+          CommandCode{"--rback demo 1.0", 16},
+          CommandCode{"--sched demo 1.0 'Wed May 18 03:33:20 2033' 'Wed May 18 03:33:20 2033'",
+                      17}}) {
         const std::string arguments = row.arguments;
         const Result result = Run(arguments + (arguments.ends_with(' ') ? bundle : ""));
         EXPECT_EQ(result.exitCode, row.exitCode) << arguments;
