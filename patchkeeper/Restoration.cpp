@@ -64,6 +64,7 @@ void Restoration::RemoveDrafts() {
     for (std::size_t i = 0; i < changes_.size(); ++i) {
         tree_.RemoveDraft(i, changes_[i].path);
     }
+    tree_.SyncDirectories(paths_);
 }
 
 void Restoration::Switch() {

@@ -26,6 +26,7 @@ public:
     std::uint64_t Prepare();
     // Writes what is to be put back beside its place, where nobody reads it yet.
     void Draft(const TargetTree::CopiedPiece& copied);
+    // For good: after it nothing tells of them any more.
     void RemoveDrafts();
     // Puts all of it in place and removes the directories that the update had made.
     void Switch();

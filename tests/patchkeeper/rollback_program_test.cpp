@@ -108,6 +108,8 @@ TEST_F(RollBack, FileOfALaterUpdateIsNamedAndKept) {
     EXPECT_EQ(TextOf("etc/demo.conf"), "old\n");
     EXPECT_TRUE(fs::exists(Target() / "c"));
     ExpectNoLeftovers();
+    EXPECT_EQ(Output("--rback apart 1.0"), ""); // nothing stood there, so nothing is copied
+    EXPECT_EQ(Output("--status"), "2\t100 %, 0 of 0 bytes: apart 1.0 has been rolled back\n");
 }
 
 TEST_F(RollBack, DirectoriesGoWithTheLastUpdateThatNeedsThem) {
