@@ -43,7 +43,7 @@ int CodeNumber(const std::string& text) {
 }
 
 std::string CommandHelp() {
-    constexpr std::size_t column = 34;
+    constexpr std::size_t column = 39;
     std::string offered = "Commands, one at a time:\n";
     std::string missing;
     for (const auto& command : Commands()) {
@@ -57,9 +57,8 @@ std::string CommandHelp() {
         offered += line.append(command.help) + '\n';
     }
     return offered +
-           "  bundle DIR [-o FILE] [--key FILE]\n"
-           "                                  Make a bundle of a directory\n"
-           "  check FILE                      Check a bundle and name every fault\n"
+           "  bundle DIR [-o FILE] [--key FILE]    Make a bundle of a directory\n"
+           "  check FILE                           Check a bundle and name every fault\n"
            "Not offered by this version: " +
            missing + ".";
 }

@@ -176,6 +176,23 @@ TEST_F(RollBack, RunningApplyIsCancelledAndUndone) {
     ExpectNoLeftovers();
 }
 
+TEST_F(RollBack, CancelUndoesWhatStandsBelowTheTargetAlready) {
+    Put("data", "old\n");
+    const Tree before = Files();
+    Take({.files = {{"files/data", patchkeeper_test::Noise(200'000)}, {"files/new/a", "x"}}});
+    directory_.Write("root/patchkeeper.conf",
+                     "allow_unsigned = true\nlock_timeout = 8\napply_rate = 150K\n");
+    Running apply(Root(), {"--apply", "demo", "1.0"});
+    while (Files() == before) { // a directory for the first drafts
+        ASSERT_TRUE(apply.IsRunning());
+    }
+    EXPECT_EQ(Output("--rback demo 1.0"), "");
+    EXPECT_EQ(apply.Wait(), 15);
+    EXPECT_EQ(Files(), before);
+    EXPECT_EQ(Output("--hist"), "");
+    ExpectNoLeftovers();
+}
+
 TEST_F(RollBack, CancelOfAnApplyThatDoesNotStopGivesUp) {
     TakeSlow();
     directory_.Write("root/patchkeeper.conf",
