@@ -30,7 +30,7 @@ bool IsStillRunning(const State& state, Store& store, std::int64_t number) {
 // Whether an apply of the update ran and has undone its work. Not so when it had ended before it
 // saw the request: the update is applied then.
 bool CancelApply(const State& state, Store& store, const Settings& settings,
-                 const std::string& name, const std::string& version) {
+                 const std::string& name, const std::string& version, std::ostream& notes) {
     const OperationRow row = store.ReadOperation();
     if (row.kind != "apply" || row.name != name || row.version != version ||
         !IsStillRunning(state, store, row.number)) {
@@ -46,6 +46,7 @@ bool CancelApply(const State& state, Store& store, const Settings& settings,
         }
         std::this_thread::sleep_for(pause);
     }
+    RecoverIfIdle(state, store, notes); // it may have died
     const auto applied = store.FindApplied(name, version);
     return !applied || applied->state != AppliedUpdate::State::Applied;
 }
@@ -109,7 +110,9 @@ void RollBack(const State& state, const std::string& name, const std::string& ve
     const std::string address = name + ' ' + version;
     const Settings settings = OrFailMark(state, [&] { return state.Settings(); });
     Store store = OrFailMark(state, [&] { return state.OpenOrMake(settings); });
-    if (OrFailMark(state, [&] { return CancelApply(state, store, settings, name, version); })) {
+    if (OrFailMark(state, [&] {
+            return CancelApply(state, store, settings, name, version, messages.notes);
+        })) {
         if (messages.toPerson) {
             messages.out << FieldText("the apply of " + address + " has been cancelled") << ".\n";
         }

@@ -202,16 +202,12 @@ void TargetTree::MakeDirectory(const std::string& directory) const {
     }
 }
 
-bool TargetTree::RemoveIfEmpty(const std::string& directory) const {
+void TargetTree::RemoveIfEmpty(const std::string& directory) const {
     const auto place = Find(directory);
-    if (!place || unlinkat(place->directory.Number(), place->name.c_str(), AT_REMOVEDIR) == 0 ||
-        errno == ENOENT || errno == ENOTDIR) {
-        return true;
-    }
-    if (errno != ENOTEMPTY && errno != EEXIST) {
+    if (place && unlinkat(place->directory.Number(), place->name.c_str(), AT_REMOVEDIR) != 0 &&
+        errno != ENOENT && errno != ENOTEMPTY && errno != EEXIST) {
         Throw("removed", directory, errno);
     }
-    return false;
 }
 
 Descriptor TargetTree::OpenFile(const std::string& path) const {

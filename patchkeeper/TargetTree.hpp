@@ -44,8 +44,8 @@ public:
     std::set<std::string> MissingDirectories(const std::set<std::string>& paths) const;
     // One that is there is as good as made; the one above it must be there.
     void MakeDirectory(const std::string& directory) const;
-    // Whether the directory has gone: it was empty, or not there.
-    bool RemoveIfEmpty(const std::string& directory) const;
+    // One that is not there is as good as removed.
+    void RemoveIfEmpty(const std::string& directory) const;
 
     // Copies the file that stands at the path to a new file outside the tree, and returns what
     // stood there when it was opened.

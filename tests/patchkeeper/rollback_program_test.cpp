@@ -181,7 +181,7 @@ TEST_F(RollBack, CancelUndoesWhatStandsBelowTheTargetAlready) {
     const Tree before = Files();
     Take({.files = {{"files/data", patchkeeper_test::Noise(200'000)}, {"files/new/a", "x"}}});
     directory_.Write("root/patchkeeper.conf",
-                     "allow_unsigned = true\nlock_timeout = 8\napply_rate = 150K\n");
+                     "allow_unsigned = true\nlock_timeout = 8\napply_rate = 100K\n");
     Running apply(Root(), {"--apply", "demo", "1.0"});
     while (Files() == before) { // a directory for the first drafts
         ASSERT_TRUE(apply.IsRunning());
@@ -205,6 +205,27 @@ TEST_F(RollBack, CancelOfAnApplyThatDoesNotStopGivesUp) {
     apply.Signal(SIGCONT);
     EXPECT_EQ(apply.Wait(), 15);
     EXPECT_EQ(Output("--status"), "-1\tdemo 1.0 was cancelled\n");
+}
+
+TEST_F(RollBack, CancelOfAnApplyThatIsKilledMeanwhileUndoesItItself) {
+    Put("data", "old\n");
+    const Tree before = Files();
+    Take({.files = {{"files/data", patchkeeper_test::Noise(200'000)}, {"files/new/a", "x"}}});
+    directory_.Write("root/patchkeeper.conf",
+                     "allow_unsigned = true\nlock_timeout = 60\napply_rate = 100K\n");
+    Running apply(Root(), {"--apply", "demo", "1.0"});
+    while (Files() == before) { // a directory for the first drafts
+        ASSERT_TRUE(apply.IsRunning());
+    }
+    apply.Signal(SIGSTOP);
+    Running cancel(Root(), {"--rback", "demo", "1.0"});
+    while (!fs::exists(Root() / "cancel")) {
+        ASSERT_TRUE(cancel.IsRunning());
+    }
+    apply.Kill();
+    EXPECT_EQ(cancel.Wait(), 0);
+    EXPECT_EQ(Files(), before);
+    ExpectNoLeftovers();
 }
 
 TEST_F(RollBack, CancelOfAnotherUpdateWaitsForTheRunningOneAndGivesUp) {

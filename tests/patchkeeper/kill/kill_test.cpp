@@ -91,26 +91,28 @@ protected:
         EXPECT_EQ(TreeOf(appliance_.Target()), before_);
     }
 
-    // Kills the command at its first, second … last call, each time from the saved state on, and
-    // calls `check` after each. Returns how many calls there were.
+    // Kills the command at its first, second … last call (or at every so many), each time from the
+    // saved state on, and calls `check` after each. Returns how often.
     long KillEverywhere(const std::string& saved, const std::string& command,
-                        const std::function<void()>& check) const {
-        for (long point = 1; point <= mostPoints; ++point) {
+                        const std::function<void()>& check, long step = 1) const {
+        long kills = 0;
+        for (long point = 1; point <= mostPoints; point += step) {
             SCOPED_TRACE(command + ", killed at call " + std::to_string(point));
             appliance_.BringBack(saved);
             const Ended ended = appliance_.Run(command, point);
             if (!ended.killed) {
                 EXPECT_EQ(ended.exitCode, 0) << ended.errors;
-                std::cout << command << ": " << point - 1 << " kill points\n";
-                return point - 1;
+                std::cout << command << ": " << kills << " kill points\n";
+                return kills;
             }
+            ++kills;
             check();
             if (HasFailure()) {
-                return point; // the next ones fail for the same reason
+                return kills; // the next ones fail for the same reason
             }
         }
         ADD_FAILURE() << command << " makes more than " << mostPoints << " calls";
-        return mostPoints;
+        return kills;
     }
 
     // Kills the command where it has changed some files below the target and others not, and saves
@@ -193,6 +195,31 @@ TEST_F(Kill, RollBackHappensAsAWholeOrNotAtAll) {
         ExpectBeforeOrAfter();
     });
     EXPECT_GE(points, 60);
+}
+
+TEST_F(Kill, DueUpdateStaysDueUntilItIsApplied) {
+    PrepareApply();
+    appliance_.BringBack("fetched");
+    {
+        Store store = OpenStore();
+        store.WriteSchedule({store.Bundles()[0].id, 1'000'000'000, ""});
+    }
+    appliance_.Save("due");
+    RunWell("--run-due");
+    after_ = TreeOf(appliance_.Target()); // without the optional component
+    const long points = KillEverywhere(
+        "due", "--run-due",
+        [&] {
+            Recover();
+            Store store = OpenStore();
+            EXPECT_EQ(store.Schedules().size(), store.AppliedUpdates().empty() ? 1U : 0U);
+            for (const auto& schedule : store.Schedules()) {
+                EXPECT_EQ(schedule.failure, "");
+            }
+            ExpectBeforeOrAfter();
+        },
+        5);
+    EXPECT_GE(points, 20);
 }
 
 TEST_F(Kill, UndoingAnApplyMayBeKilledToo) {
