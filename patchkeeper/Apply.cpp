@@ -41,9 +41,10 @@ void MakeDirectory(const fs::path& directory) {
     }
 }
 
-void SyncDirectory(const fs::path& directory) {
+// All that has been written to its file system: many files at once, and their names.
+void SyncFilesUnder(const fs::path& directory) {
     const Descriptor file(open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (file.Number() < 0 || fsync(file.Number()) != 0) {
+    if (file.Number() < 0 || syncfs(file.Number()) != 0) {
         throw StateProblem("the directory " + directory.string() +
                            " cannot be written: " + std::generic_category().message(errno));
     }
@@ -173,9 +174,7 @@ private:
             }
             changes_.push_back({files_[i].path, std::move(before)});
         }
-        SyncDirectory(kept);
-        SyncDirectory(state_.KeptDirectory());
-        SyncDirectory(state_.Root());
+        SyncFilesUnder(kept);
     }
 
     std::string Install() {
@@ -186,6 +185,10 @@ private:
             tree_->Draft(i, files_[i].path, StandingOf(files_[i]),
                          state_.WorkDirectory() / files_[i].path,
                          [&](std::size_t bytes) { Tell(done_ + bytes); });
+        }
+        for (std::size_t i = 0; i < files_.size(); ++i) {
+            RefuseCancelled();
+            tree_->FinishDraft(i, files_[i].path, StandingOf(files_[i]));
         }
         RefuseCancelled();
         for (std::size_t i = 0; i < files_.size(); ++i) {

@@ -58,6 +58,9 @@ void Restoration::Draft(const TargetTree::CopiedPiece& copied) {
         tree_.Draft(position, changes_[position].path, changes_[position].before,
                     kept_ / std::to_string(position), copied);
     }
+    for (const auto position : changed_) {
+        tree_.FinishDraft(position, changes_[position].path, changes_[position].before);
+    }
 }
 
 void Restoration::RemoveDrafts() {

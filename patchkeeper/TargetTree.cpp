@@ -234,9 +234,6 @@ Standing TargetTree::Keep(const std::string& path, const fs::path& copy,
         ThrowCannot("written", copy, errno);
     }
     Copy(source.Number(), root_ / path, target.Number(), copy, copied);
-    if (fsync(target.Number()) != 0) {
-        ThrowCannot("written", copy, errno);
-    }
     return StandingOf(status);
 }
 
@@ -284,8 +281,20 @@ void TargetTree::Draft(std::size_t position, const std::string& path, const Stan
         Throw("written", path, errno);
     }
     Copy(from.Number(), source, to.Number(), root_ / path, copied);
-    if (fchmod(to.Number(), wanted.mode) != 0 || fsync(to.Number()) != 0) {
-        Throw("written", path, errno);
+}
+
+void TargetTree::FinishDraft(std::size_t position, const std::string& path,
+                             const Standing& wanted) const {
+    if (wanted.kind != Standing::Kind::File) {
+        return;
+    }
+    const auto place = Find(path);
+    const Descriptor draft(place ? openat(place->directory.Number(), DraftName(position).c_str(),
+                                          O_RDONLY | O_NOFOLLOW | O_CLOEXEC)
+                                 : -1);
+    if (draft.Number() < 0 || fchmod(draft.Number(), wanted.mode) != 0 ||
+        fsync(draft.Number()) != 0) {
+        Throw("written", path, place ? errno : ENOENT);
     }
 }
 

@@ -22,8 +22,9 @@ std::set<std::string> DirectoriesAbove(const std::set<std::string>& paths);
 //
 // Paths are relative to the target. No symbolic link on the way to a file is followed, so nothing
 // outside the target is ever touched; the target itself may be one. What cannot be done is thrown
-// as StateProblem. A file is on disk when the function that wrote it returns, its name when
-// SyncDirectories does. One user at a time: the holder of the operation lock.
+// as StateProblem. Files and names are on disk once the Sync functions say so, which are called
+// for many files at a time, because that is much quicker. One user at a time: the holder of the
+// operation lock.
 class TargetTree {
 public:
     // Told the size of each piece that has been copied; what it throws ends the copy.
@@ -58,6 +59,8 @@ public:
     // `source`; for Nothing there is no draft.
     void Draft(std::size_t position, const std::string& path, const Standing& wanted,
                const std::filesystem::path& source, const CopiedPiece& copied) const;
+    // Gives it its mode and brings it to disk. Call it for every draft before the first Switch.
+    void FinishDraft(std::size_t position, const std::string& path, const Standing& wanted) const;
     // Puts the draft in its place, or removes what stands there for Nothing.
     void Switch(std::size_t position, const std::string& path, const Standing& wanted) const;
     // One that is not there is as good as removed.
