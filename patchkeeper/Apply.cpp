@@ -112,6 +112,7 @@ private:
     }
 
     void Prepare(const std::vector<std::string>& components) {
+        RefuseOwnTarget();
         const fs::path file = state_.BundleDirectory() / bundle_.file;
         const Manifest manifest = ReadHeld(file);
         files_ = WantedFiles(manifest, components);
@@ -148,6 +149,19 @@ private:
             throw CannotApply(failure.what());
         }
         throw CannotApply(file.string() + " is no longer the bundle that it was");
+    }
+
+    // What stands in these directories is removed when nothing in the store tells of it.
+    void RefuseOwnTarget() const {
+        for (const auto& own :
+             {state_.BundleDirectory(), state_.KeptDirectory(), state_.WorkDirectory()}) {
+            std::error_code ignored; // what cannot be looked at is no directory of ours
+            const std::string below = fs::relative(settings_.target, own, ignored).string();
+            if (!below.empty() && below != ".." && !below.starts_with("../")) {
+                throw CannotApply("the target " + settings_.target.string() +
+                                  " is a place that this program keeps for itself");
+            }
+        }
     }
 
     // An update must neither change what this program keeps, nor look like one of its drafts.

@@ -245,6 +245,18 @@ TEST_F(Apply, OwnFilesOfTheProgramAreNotReplaced) {
     ExpectNoLeftovers();
 }
 
+TEST_F(Apply, DirectoryOfTheProgramIsNoTarget) {
+    Take();
+    for (const char* target : {"bundles", "kept/1", "work/../work"}) {
+        directory_.Write("root/patchkeeper.conf",
+                         "allow_unsigned = true\ntarget = " + std::string(target) + "\n");
+        ExpectFailure("--apply demo 1.0", 15,
+                      "the target " + (Root() / target).string() +
+                          " is a place that this program keeps for itself");
+    }
+    EXPECT_EQ(Output("--cache"), "demo\t1.0\tA demo\t4\t-\tAvailable\n");
+}
+
 TEST_F(Apply, ReadOnlyTargetIsASentenceAndNothingChanges) {
     Put("etc/demo.conf", "old\n");
     Take({.files = {{"files/etc/demo.conf", "new\n"}, {"files/a", "first"}}});
