@@ -43,7 +43,7 @@ int CodeNumber(const std::string& text) {
 }
 
 std::string CommandHelp() {
-    constexpr std::size_t column = 34;
+    constexpr std::size_t column = 39;
     std::string offered = "Commands, one at a time:\n";
     std::string missing;
     for (const auto& command : Commands()) {
@@ -57,9 +57,8 @@ std::string CommandHelp() {
         offered += line.append(command.help) + '\n';
     }
     return offered +
-           "  bundle DIR [-o FILE] [--key FILE]\n"
-           "                                  Make a bundle of a directory\n"
-           "  check FILE                      Check a bundle and name every fault\n"
+           "  bundle DIR [-o FILE] [--key FILE]    Make a bundle of a directory\n"
+           "  check FILE                           Check a bundle and name every fault\n"
            "Not offered by this version: " +
            missing + ".";
 }
@@ -95,8 +94,8 @@ ExitCode RunOptions(const Arguments& arguments, bool table, const Output& output
     CLI::App app(
         "Lists the software that is installed on this machine: one line per package with name,\n"
         "version, classification and date of installation, separated by tabs. With a command it\n"
-        "takes in and lists updates; all that it keeps is in $PATCHKEEPER_ROOT (default\n"
-        "/var/lib/patchkeeper).",
+        "takes in, lists, applies, takes back and schedules updates; all that it keeps is in\n"
+        "$PATCHKEEPER_ROOT (default /var/lib/patchkeeper).",
         "patchkeeper");
     std::string code;
     bool mark = false;

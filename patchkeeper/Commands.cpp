@@ -3,10 +3,13 @@
 #include <array>
 #include <limits>
 
+#include "patchkeeper/Apply.hpp"
 #include "patchkeeper/Fetch.hpp"
 #include "patchkeeper/Housekeeping.hpp"
 #include "patchkeeper/Lists.hpp"
 #include "patchkeeper/Operation.hpp"
+#include "patchkeeper/RollBack.hpp"
+#include "patchkeeper/Scheduling.hpp"
 
 namespace patchkeeper {
 
@@ -121,20 +124,37 @@ ExitCode MissingSamba(const Context& context, const Arguments&) {
     RefuseMissing(context, "--samba", ExitCode::SambaFailed);
 }
 
-ExitCode MissingApply(const Context& context, const Arguments&) {
-    RefuseMissing(context, "--apply", ExitCode::ApplyFailed);
+ExitCode Apply(const Context& context, const Arguments& arguments) {
+    ApplyUpdate(context.state, arguments[0], arguments[1],
+                Arguments(arguments.begin() + 2, arguments.end()), MessagesOf(context));
+    return ExitCode::Ok;
 }
 
-ExitCode MissingRollBack(const Context& context, const Arguments&) {
-    RefuseMissing(context, "--rback", ExitCode::RemoveFailed);
+ExitCode TakeBack(const Context& context, const Arguments& arguments) {
+    RollBack(context.state, arguments[0], arguments[1], MessagesOf(context));
+    return ExitCode::Ok;
 }
 
-ExitCode MissingSchedule(const Context&, const Arguments&) {
-    throw Failure(ExitCode::ScheduleFailed, "--sched is not offered by this version");
+ExitCode Schedule(const Context& context, const Arguments& arguments) {
+    ScheduleUpdate(context.state, arguments[0], arguments[1], arguments[2], arguments[3],
+                   context.err);
+    return ExitCode::Ok;
 }
 
-ExitCode MissingModify(const Context&, const Arguments&) {
-    throw Failure(ExitCode::ModifyFailed, "--msched is not offered by this version");
+ExitCode Move(const Context& context, const Arguments& arguments) {
+    MoveSchedule(context.state, arguments[0], arguments[1], arguments[2], arguments[3],
+                 context.err);
+    return ExitCode::Ok;
+}
+
+ExitCode Drop(const Context& context, const Arguments& arguments) {
+    DropSchedule(context.state, arguments[0], arguments[1], context.err);
+    return ExitCode::Ok;
+}
+
+ExitCode ApplyAllDue(const Context& context, const Arguments&) {
+    RunDue(context.state, MessagesOf(context));
+    return ExitCode::Ok;
 }
 
 constexpr auto list = Command::Kind::List;
@@ -164,6 +184,18 @@ constexpr auto commands = std::to_array<Command>({
      "Take in a bundle, or every bundle in a directory", Disk},
     {"--em", "", 0, 0, operation, ExitCode::DownloadFailed,
      "Take in what stands at em_url of the settings", ElementManager},
+    {"--apply", "NAME VERSION [COMPONENT...]", 2, any, operation, ExitCode::ApplyFailed,
+     "Apply an update, with these optional components", Apply},
+    {"--rback", "NAME VERSION", 2, 2, operation, ExitCode::RemoveFailed,
+     "Take back an applied update, or cancel the running apply of it", TakeBack},
+    {"--sched", "NAME VERSION DATE TIME", 4, 4, change, ExitCode::ScheduleFailed,
+     "Schedule an update: the day of DATE, the time of day of TIME", Schedule},
+    {"--msched", "NAME VERSION DATE TIME", 4, 4, change, ExitCode::ModifyFailed,
+     "Move a scheduled update to another day and time", Move},
+    {"--msched", "NAME VERSION", 2, 2, change, ExitCode::ModifyFailed,
+     "Drop the schedule of an update", Drop},
+    {"--run-due", "", 0, 0, change, ExitCode::ApplyFailed, "Apply the updates that are due",
+     ApplyAllDue},
     {"forget", "NAME VERSION", 2, 2, change, general, "Remove a bundle that is held", ForgetOne},
     {"prune", "", 0, 0, change, general, "Remove the bundles that are obsolete or invalid",
      PruneAll},
@@ -172,13 +204,6 @@ constexpr auto commands = std::to_array<Command>({
      MissingHttp},
     {"--samba", "ADDRESS USER PASSWORD PATH", 4, 4, operation, ExitCode::SambaFailed, "",
      MissingSamba},
-    {"--apply", "NAME VERSION [COMPONENT...]", 2, any, operation, ExitCode::ApplyFailed, "",
-     MissingApply},
-    {"--rback", "NAME VERSION", 2, 2, operation, ExitCode::RemoveFailed, "", MissingRollBack},
-    {"--sched", "NAME VERSION DATE TIME", 4, 4, change, ExitCode::ScheduleFailed, "",
-     MissingSchedule},
-    {"--msched", "NAME VERSION [DATE TIME]", 2, 4, change, ExitCode::ModifyFailed, "",
-     MissingModify},
 });
 
 } // namespace

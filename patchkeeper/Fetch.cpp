@@ -1,8 +1,8 @@
 #include "patchkeeper/Fetch.hpp"
-#include <string_view>
 
 #include <algorithm>
 #include <filesystem>
+#include <string_view>
 #include <system_error>
 #include <vector>
 
@@ -145,17 +145,6 @@ std::string Work(const State& state, Store& store, const Settings& settings, Ope
                                     : std::to_string(outcome.refused.size()) + " of " +
                                           std::to_string(candidates.size()) +
                                           " bundles could not be taken in: " + refused);
-}
-
-// Nobody waits any longer for a marked operation that did not come to begin.
-template <typename Call>
-auto OrFailMark(const State& state, Call call) {
-    try {
-        return call();
-    } catch (const std::exception& error) {
-        FailMark(state, error.what());
-        throw;
-    }
 }
 
 void Fetch(const State& state, const Settings& settings, const std::string& from,

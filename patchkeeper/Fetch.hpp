@@ -1,18 +1,11 @@
 #pragma once
 
-#include <ostream>
 #include <string>
 
+#include "patchkeeper/Messages.hpp"
 #include "patchkeeper/State.hpp"
 
 namespace patchkeeper {
-
-// Where the messages of a long command go.
-struct Messages {
-    std::ostream& out;
-    std::ostream& notes;
-    bool toPerson; // a bar and a closing sentence on `out`
-};
 
 // Each takes in a bundle, or every bundle in a directory: the files in it that are called
 // *.tar.gz. Bundles that are refused do not keep the others out, but fail the command. All run as

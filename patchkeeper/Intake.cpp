@@ -1,6 +1,6 @@
 #include "patchkeeper/Intake.hpp"
 
-#include <array>
+#include <algorithm>
 #include <ctime>
 #include <fstream>
 #include <optional>
@@ -179,6 +179,14 @@ Trust TrustOf(const Settings& settings) {
     return trust;
 }
 
+BundleLimits LimitsOf(const Settings& settings) {
+    BundleLimits limits;
+    if (settings.sizeLimit != 0) {
+        limits.totalBytes = std::min(limits.totalBytes, settings.sizeLimit);
+    }
+    return limits;
+}
+
 Intake::Intake(const State& state, Store& store, const Settings& settings)
     : state_(state), store_(store), settings_(settings), trust_(TrustOf(settings)) {
 }
@@ -187,8 +195,9 @@ Taken Intake::TakeIn(const fs::path& source, const std::string& location,
                      const Operation& operation, const CopyProgress& progress) {
     const Draft draft(state_.BundleDirectory() / "incoming");
     Copy(source, draft.File(), settings_.sizeLimit, progress);
+    const BundleLimits limits = LimitsOf(settings_);
     const Manifest manifest =
-        AsRefusal(source, draft.File(), [&] { return ReadManifest(draft.File()); });
+        AsRefusal(source, draft.File(), [&] { return ReadManifest(draft.File(), limits); });
     RefuseAmbiguous(store_, manifest);
 
     HeldBundle bundle;
@@ -207,8 +216,8 @@ Taken Intake::TakeIn(const fs::path& source, const std::string& location,
                   std::to_string(operation.Number()) + ".tar.gz";
     bundle.location = location;
     bundle.takenIn = std::time(nullptr);
-    bundle.faults =
-        Joined(AsRefusal(source, draft.File(), [&] { return FaultsOf(draft.File(), trust_); }));
+    bundle.faults = Joined(
+        AsRefusal(source, draft.File(), [&] { return FaultsOf(draft.File(), trust_, limits); }));
     Taken taken{Taken::How::Added, manifest.name, manifest.version, bundle.faults};
     Record(manifest, bundle, draft.File());
     return taken;

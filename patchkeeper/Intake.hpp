@@ -29,6 +29,9 @@ struct Taken {
 // Whose bundles count as good. Throws StateProblem when a key of the settings cannot be read.
 Trust TrustOf(const Settings& settings);
 
+// What a bundle may have at most: no more unpacked than packed.
+BundleLimits LimitsOf(const Settings& settings);
+
 // Told while a bundle is copied how many bytes of it are done.
 using CopyProgress = std::function<void(std::uint64_t done)>;
 

@@ -184,7 +184,8 @@ void ListSchedules(const State& state, const Listing& listing) {
         const HeldBundle& bundle = bundles[schedule.bundle];
         records.Add({bundle.name, bundle.version, bundle.shortDescription, bundle.location,
                      DateText(bundle.takenIn), DateText(schedule.applyAt), Reboot(bundle),
-                     std::to_string(bundle.size), "Scheduled"});
+                     std::to_string(bundle.size),
+                     schedule.failure.empty() ? "Scheduled" : "Failed: " + schedule.failure});
     }
     records.Finish();
 }

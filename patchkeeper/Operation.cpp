@@ -35,8 +35,10 @@ std::string Text(const std::string& text) {
     return FieldText(text, longestText);
 }
 
-std::string WithBytes(std::uint64_t done, std::uint64_t total, const std::string& text) {
-    const std::uint64_t percent = total == 0 ? 0 : std::min(done, total) * 100 / total;
+// `ofNothing`: the percent where there are no bytes to do.
+std::string WithBytes(std::uint64_t done, std::uint64_t total, const std::string& text,
+                      std::uint64_t ofNothing) {
+    const std::uint64_t percent = total == 0 ? ofNothing : std::min(done, total) * 100 / total;
     return std::to_string(percent) + " %, " + std::to_string(done) + " of " +
            std::to_string(total) + " bytes: " + Text(text);
 }
@@ -63,7 +65,7 @@ Seen ReadProgress(const State& state, const Row& row) {
 std::optional<Status> StatusOfRunning(const State& state, Store& store, const Row& row) {
     if (OperationLock::IsHeld(state.LockFile())) {
         const Seen seen = ReadProgress(state, row);
-        return Status{Status::Running, WithBytes(seen.done, seen.total, seen.text)};
+        return Status{Status::Running, WithBytes(seen.done, seen.total, seen.text, 0)};
     }
     // Nobody held the lock: the operation has died, unless it has ended since the row was read.
     const Row again = store.ReadOperation();
@@ -87,7 +89,7 @@ Status ReadStatus(const State& state, Store& store) {
             return NothingRunning();
         case Row::State::Marked:
             return IsFreshMark(row)
-                       ? Status{Status::Running, WithBytes(0, 0, "waiting for the command")}
+                       ? Status{Status::Running, WithBytes(0, 0, "waiting for the command", 0)}
                        : Status{Status::Failed,
                                 "No command began within 30 seconds after it was announced."};
         case Row::State::Running:
@@ -96,7 +98,7 @@ Status ReadStatus(const State& state, Store& store) {
             }
             break;
         case Row::State::Done:
-            return {Status::Done, WithBytes(row.bytes, row.total, row.text)};
+            return {Status::Done, WithBytes(row.bytes, row.total, row.text, 100)};
         case Row::State::Failed:
             return {Status::Failed, Text(row.text)};
         }
@@ -141,12 +143,22 @@ void FailMark(const State& state, const std::string& reason) noexcept {
     }
 }
 
+// One short write: a reader sees the number, or nothing yet.
+void RequestCancel(const State& state, std::int64_t number) {
+    std::ofstream out(state.CancelFile(), std::ios::trunc);
+    out << std::to_string(number) + '\n' << std::flush;
+    if (!out) {
+        throw StateProblem(state.CancelFile().string() + " cannot be written");
+    }
+}
+
 Operation::Operation(const State& state, Store& store, const Settings& settings,
                      OperationSubject subject, std::ostream& notes)
     : state_(state), store_(store), lock_(state.LockFile(), settings.lockTimeout) {
     Recover(state_, store_, notes);
     Transaction transaction = store_.Begin(Transaction::Kind::Write);
-    row_.number = store_.ReadOperation().number + 1;
+    before_ = store_.ReadOperation();
+    row_.number = before_.number + 1;
     row_.state = Row::State::Running;
     row_.kind = std::move(subject.kind);
     row_.text = std::move(subject.text);
@@ -181,6 +193,12 @@ void Operation::Progress(std::uint64_t done, std::uint64_t total, const std::str
     std::filesystem::rename(draft, state_.ProgressFile(), ignored);
 }
 
+bool Operation::IsCancelRequested() const {
+    std::ifstream in(state_.CancelFile());
+    std::string line;
+    return std::getline(in, line) && !in.eof() && line == std::to_string(row_.number);
+}
+
 void Operation::End(Row::State state, const std::string& text) {
     Row end = row_;
     end.state = state;
@@ -195,6 +213,12 @@ void Operation::Succeed(const std::string& text) {
 
 void Operation::Fail(const std::string& text) {
     End(Row::State::Failed, text);
+}
+
+void Operation::Withdraw() {
+    before_.number = row_.number;
+    store_.WriteOperation(before_);
+    row_ = before_;
 }
 
 void Operation::FailQuietly(const std::string& text) noexcept {

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <exception>
 #include <functional>
 #include <ostream>
 #include <string>
@@ -38,6 +39,22 @@ void MarkInProgress(const State& state, Store& store);
 // without a mark, and throws nothing: the refusal itself is what the caller reports.
 void FailMark(const State& state, const std::string& reason) noexcept;
 
+// Does what has to precede a marked operation: when it fails, nobody waits for the operation any
+// longer.
+template <typename Call>
+auto OrFailMark(const State& state, Call call) {
+    try {
+        return call();
+    } catch (const std::exception& error) {
+        FailMark(state, error.what());
+        throw;
+    }
+}
+
+// Asks the operation of that number to give up; it may end before it sees that. Throws StateProblem
+// when it cannot be asked.
+void RequestCancel(const State& state, std::int64_t number);
+
 // What an operation is about; name and version only where it is about one update.
 struct OperationSubject {
     std::string kind; // "fetch", "apply", "rback"
@@ -69,8 +86,13 @@ public:
     // The text is one line. Both throw StateProblem.
     void Succeed(const std::string& text);
     void Fail(const std::string& text);
+    // As if it had never begun: what was readable before it is again. Throws StateProblem.
+    void Withdraw();
     // For when the failure itself is what the caller reports; throws nothing.
     void FailQuietly(const std::string& text) noexcept;
+
+    // Whether RequestCancel has been called for it.
+    bool IsCancelRequested() const;
 
     // Counts the operations of this state; no two have the same.
     std::int64_t Number() const { return row_.number; }
@@ -81,6 +103,7 @@ private:
     const State& state_;
     Store& store_;
     OperationLock lock_;
+    OperationRow before_;
     OperationRow row_;
     std::chrono::steady_clock::time_point nextWrite_;
     Watcher watcher_;

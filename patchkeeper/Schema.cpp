@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::int64_t applicationId = 0x504B4550; // tells our files from other programs'
 
-constexpr std::array<std::string_view, 1> steps = {R"sql(
+constexpr std::array<std::string_view, 2> steps = {R"sql(
 CREATE TABLE bundles (
     id                INTEGER PRIMARY KEY AUTOINCREMENT,
     name              TEXT NOT NULL,
@@ -78,6 +78,29 @@ CREATE TABLE operation (
     text       TEXT NOT NULL
 );
 INSERT INTO operation VALUES (1, 0, 'none', '', '', '', 0, 0, 0, '');
+)sql",
+                                                   R"sql(
+ALTER TABLE applied ADD COLUMN state TEXT NOT NULL DEFAULT 'applied'
+    CHECK (state IN ('applying', 'applied', 'removing'));
+ALTER TABLE applied ADD COLUMN target TEXT NOT NULL DEFAULT '';
+ALTER TABLE applied ADD COLUMN kept TEXT NOT NULL DEFAULT '';
+CREATE TABLE changes (
+    applied   INTEGER NOT NULL REFERENCES applied ON DELETE CASCADE,
+    position  INTEGER NOT NULL,
+    path      TEXT NOT NULL,
+    before    TEXT NOT NULL CHECK (before IN ('nothing', 'file', 'link')),
+    mode      INTEGER NOT NULL,
+    size      INTEGER NOT NULL,
+    link      TEXT NOT NULL,
+    PRIMARY KEY (applied, position)
+) WITHOUT ROWID;
+CREATE INDEX changes_of_path ON changes (path);
+CREATE TABLE made_directories (
+    target    TEXT NOT NULL,
+    path      TEXT NOT NULL,
+    PRIMARY KEY (target, path)
+) WITHOUT ROWID;
+ALTER TABLE schedules ADD COLUMN failure TEXT NOT NULL DEFAULT '';
 )sql"};
 
 std::int64_t Pragma(Database& database, const std::string& name) {

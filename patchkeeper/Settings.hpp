@@ -12,7 +12,7 @@ namespace patchkeeper {
 struct Settings {
     std::filesystem::path target;                   // where updates are installed; absolute
     std::string emUrl;                              // "" when not set
-    std::uint64_t sizeLimit = 2ULL << 30U;          // bytes of one bundle, 0 for no limit
+    std::uint64_t sizeLimit = 2ULL << 30U;          // bytes of one bundle, packed or unpacked
     std::chrono::seconds lockTimeout{10};           // how long a command waits for others
     std::chrono::seconds connectTimeout{30};        // for a server to answer
     std::chrono::seconds transferTimeout{60};       // without a byte from a server

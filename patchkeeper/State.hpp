@@ -26,6 +26,11 @@ public:
     std::filesystem::path SettingsFile() const { return root_ / "patchkeeper.conf"; }
     std::filesystem::path LockFile() const { return root_ / "lock"; }
     std::filesystem::path ProgressFile() const { return root_ / "progress"; }
+    std::filesystem::path CancelFile() const { return root_ / "cancel"; }
+    // What an apply unpacks, while it runs.
+    std::filesystem::path WorkDirectory() const { return root_ / "work"; }
+    // What applied updates have replaced, a directory for each.
+    std::filesystem::path KeptDirectory() const { return root_ / "kept"; }
 
     // All three throw StateProblem. The settings come first, since the others wait for other
     // processes as long as they say.

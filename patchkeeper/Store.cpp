@@ -14,12 +14,29 @@ constexpr std::string_view selectBundles =
     "reboot_needed, removable, size, file, location, taken_in, faults FROM bundles ";
 
 constexpr std::string_view selectApplied =
-    "SELECT name, version, short_description, long_description, category, classification, "
-    "removable, applied_at FROM applied ";
+    "SELECT id, state, name, version, short_description, long_description, category, "
+    "classification, removable, applied_at, target, kept FROM applied ";
+
+// In the order of AppliedUpdate::State.
+constexpr std::array<std::string_view, 3> appliedTexts = {"applying", "applied", "removing"};
+
+// In the order of Standing::Kind.
+constexpr std::array<std::string_view, 3> kindTexts = {"nothing", "file", "link"};
 
 // In the order of OperationRow::State.
 constexpr std::array<std::string_view, 5> stateTexts = {"none", "marked", "running", "done",
                                                         "failed"};
+
+// The tables accept no other texts than these.
+template <typename Enum, std::size_t size>
+Enum EnumOf(const std::array<std::string_view, size>& texts, std::string_view text) {
+    return static_cast<Enum>(std::find(texts.begin(), texts.end(), text) - texts.begin());
+}
+
+template <std::size_t size, typename Enum>
+std::string_view TextOf(const std::array<std::string_view, size>& texts, Enum value) {
+    return texts.at(static_cast<std::size_t>(value));
+}
 
 HeldBundle BundleOf(const Statement& row) {
     HeldBundle bundle;
@@ -42,14 +59,18 @@ HeldBundle BundleOf(const Statement& row) {
 
 AppliedUpdate AppliedOf(const Statement& row) {
     AppliedUpdate update;
-    update.name = row.Text(0);
-    update.version = row.Text(1);
-    update.shortDescription = row.Text(2);
-    update.longDescription = row.Text(3);
-    update.category = row.Text(4);
-    update.classification = row.Text(5);
-    update.removable = row.Integer(6) != 0;
-    update.appliedAt = row.Integer(7);
+    update.id = row.Integer(0);
+    update.state = EnumOf<AppliedUpdate::State>(appliedTexts, row.Text(1));
+    update.name = row.Text(2);
+    update.version = row.Text(3);
+    update.shortDescription = row.Text(4);
+    update.longDescription = row.Text(5);
+    update.category = row.Text(6);
+    update.classification = row.Text(7);
+    update.removable = row.Integer(8) != 0;
+    update.appliedAt = row.Integer(9);
+    update.target = row.Text(10);
+    update.kept = row.Text(11);
     return update;
 }
 
@@ -155,13 +176,21 @@ void Store::RemoveForReplacement(std::int64_t bundle) {
     RemoveBundle(bundle);
 }
 
-std::vector<AppliedUpdate> Store::AppliedUpdates() {
-    Statement query(database_, Query(selectApplied, "ORDER BY id"));
+std::vector<AppliedUpdate> Store::AppliedWhere(std::string_view rest) {
+    Statement query(database_, Query(selectApplied, rest));
     std::vector<AppliedUpdate> updates;
     while (query.Step()) {
         updates.push_back(AppliedOf(query));
     }
     return updates;
+}
+
+std::vector<AppliedUpdate> Store::AppliedUpdates() {
+    return AppliedWhere("WHERE state = 'applied' ORDER BY id");
+}
+
+std::vector<AppliedUpdate> Store::UnfinishedUpdates() {
+    return AppliedWhere("WHERE state <> 'applied' ORDER BY id DESC");
 }
 
 std::optional<AppliedUpdate> Store::FindApplied(std::string_view address) {
@@ -170,13 +199,138 @@ std::optional<AppliedUpdate> Store::FindApplied(std::string_view address) {
     return query.Step() ? std::optional(AppliedOf(query)) : std::nullopt;
 }
 
+std::optional<AppliedUpdate> Store::FindApplied(std::string_view name, std::string_view version) {
+    Statement query(database_, Query(selectApplied, "WHERE name = ? AND version = ?"));
+    query.Bind(name, version);
+    return query.Step() ? std::optional(AppliedOf(query)) : std::nullopt;
+}
+
+std::int64_t Store::AddApplying(const Manifest& manifest, const AppliedUpdate& rest,
+                                const std::vector<Change>& changes,
+                                const std::set<std::string>& directories) {
+    Statement insert(database_,
+                     "INSERT INTO applied (name, version, short_description, long_description, "
+                     "category, classification, removable, applied_at, state, target, kept) "
+                     "VALUES (?, ?, ?, ?, ?, ?, ?, ?, 'applying', ?, ?) RETURNING id");
+    insert.Bind(std::string_view(manifest.name), std::string_view(manifest.version),
+                std::string_view(manifest.shortDescription),
+                std::string_view(manifest.longDescription), std::string_view(manifest.category),
+                std::string_view(manifest.classification), std::int64_t{manifest.removable},
+                std::int64_t{rest.appliedAt}, std::string_view(rest.target),
+                std::string_view(rest.kept));
+    insert.Step();
+    const std::int64_t id = insert.Integer(0);
+    insert.Run();
+    std::int64_t position = 0;
+    for (const auto& change : changes) {
+        Statement(database_, "INSERT INTO changes VALUES (?, ?, ?, ?, ?, ?, ?)")
+            .Bind(id, position++, std::string_view(change.path),
+                  TextOf(kindTexts, change.before.kind), std::int64_t{change.before.mode},
+                  Signed(change.before.size), std::string_view(change.before.link))
+            .Run();
+    }
+    for (const auto& directory : directories) {
+        Statement(database_, "INSERT OR IGNORE INTO made_directories VALUES (?, ?)")
+            .Bind(std::string_view(rest.target), std::string_view(directory))
+            .Run();
+    }
+    return id;
+}
+
+void Store::SetAppliedState(std::int64_t applied, AppliedUpdate::State state) {
+    Statement(database_, "UPDATE applied SET state = ? WHERE id = ?")
+        .Bind(TextOf(appliedTexts, state), applied)
+        .Run();
+}
+
+void Store::RemoveApplied(std::int64_t applied) {
+    Statement(database_, "DELETE FROM applied WHERE id = ?").Bind(applied).Run();
+}
+
+void Store::DropKept(std::int64_t applied) {
+    Statement(database_, "UPDATE applied SET kept = '' WHERE id = ?").Bind(applied).Run();
+}
+
+std::vector<std::string> Store::KeptDirectories() {
+    Statement query(database_, "SELECT kept FROM applied WHERE kept <> ''");
+    std::vector<std::string> directories;
+    while (query.Step()) {
+        directories.push_back(query.Text(0));
+    }
+    return directories;
+}
+
+std::vector<Change> Store::ChangesOf(std::int64_t applied) {
+    Statement query(database_, "SELECT path, before, mode, size, link FROM changes "
+                               "WHERE applied = ? ORDER BY position");
+    query.Bind(applied);
+    std::vector<Change> changes;
+    while (query.Step()) {
+        changes.push_back({query.Text(0),
+                           {EnumOf<Standing::Kind>(kindTexts, query.Text(1)),
+                            static_cast<unsigned>(query.Integer(2)),
+                            static_cast<std::uint64_t>(query.Integer(3)), query.Text(4)}});
+    }
+    return changes;
+}
+
+std::optional<Store::Conflict> Store::LaterChange(const AppliedUpdate& update) {
+    Statement query(database_, "SELECT theirs.path, other.name, other.version FROM changes mine "
+                               "JOIN changes theirs ON theirs.path = mine.path "
+                               "JOIN applied other ON other.id = theirs.applied "
+                               "WHERE mine.applied = ?1 AND other.id > ?1 AND other.target = ?2 "
+                               "ORDER BY other.id DESC, theirs.position LIMIT 1");
+    query.Bind(update.id, std::string_view(update.target));
+    if (!query.Step()) {
+        return std::nullopt;
+    }
+    return Conflict{query.Text(0), query.Text(1), query.Text(2)};
+}
+
+std::vector<std::string> Store::MadeDirectories(std::string_view target) {
+    Statement query(database_, "SELECT path FROM made_directories WHERE target = ?");
+    query.Bind(target);
+    std::vector<std::string> directories;
+    while (query.Step()) {
+        directories.push_back(query.Text(0));
+    }
+    return directories;
+}
+
+void Store::ForgetMadeDirectory(std::string_view target, std::string_view path) {
+    Statement(database_, "DELETE FROM made_directories WHERE target = ? AND path = ?")
+        .Bind(target, path)
+        .Run();
+}
+
 std::vector<Schedule> Store::Schedules() {
-    Statement query(database_, "SELECT bundle, apply_at FROM schedules ORDER BY apply_at, bundle");
+    Statement query(database_,
+                    "SELECT bundle, apply_at, failure FROM schedules ORDER BY apply_at, bundle");
     std::vector<Schedule> schedules;
     while (query.Step()) {
-        schedules.push_back({query.Integer(0), query.Integer(1)});
+        schedules.push_back({query.Integer(0), query.Integer(1), query.Text(2)});
     }
     return schedules;
+}
+
+std::optional<Schedule> Store::FindSchedule(std::int64_t bundle) {
+    Statement query(database_, "SELECT bundle, apply_at, failure FROM schedules WHERE bundle = ?");
+    query.Bind(bundle);
+    if (!query.Step()) {
+        return std::nullopt;
+    }
+    return Schedule{query.Integer(0), query.Integer(1), query.Text(2)};
+}
+
+void Store::WriteSchedule(const Schedule& schedule) {
+    Statement(database_, "INSERT OR REPLACE INTO schedules (bundle, apply_at, failure) "
+                         "VALUES (?, ?, ?)")
+        .Bind(schedule.bundle, std::int64_t{schedule.applyAt}, std::string_view(schedule.failure))
+        .Run();
+}
+
+void Store::RemoveSchedule(std::int64_t bundle) {
+    Statement(database_, "DELETE FROM schedules WHERE bundle = ?").Bind(bundle).Run();
 }
 
 OperationRow Store::ReadOperation() {
@@ -185,8 +339,7 @@ OperationRow Store::ReadOperation() {
     query.Step();
     OperationRow row;
     row.number = query.Integer(0);
-    const auto* state = std::find(stateTexts.begin(), stateTexts.end(), query.Text(1));
-    row.state = static_cast<OperationRow::State>(state - stateTexts.begin());
+    row.state = EnumOf<OperationRow::State>(stateTexts, query.Text(1));
     row.kind = query.Text(2);
     row.name = query.Text(3);
     row.version = query.Text(4);
@@ -200,9 +353,9 @@ OperationRow Store::ReadOperation() {
 void Store::WriteOperation(const OperationRow& row) {
     Statement(database_, "UPDATE operation SET number = ?, state = ?, kind = ?, name = ?, "
                          "version = ?, started_ms = ?, bytes = ?, total = ?, text = ?")
-        .Bind(row.number, stateTexts[static_cast<std::size_t>(row.state)],
-              std::string_view(row.kind), std::string_view(row.name), std::string_view(row.version),
-              row.startedMs, Signed(row.bytes), Signed(row.total), std::string_view(row.text))
+        .Bind(row.number, TextOf(stateTexts, row.state), std::string_view(row.kind),
+              std::string_view(row.name), std::string_view(row.version), row.startedMs,
+              Signed(row.bytes), Signed(row.total), std::string_view(row.text))
         .Run();
 }
 

@@ -164,8 +164,8 @@ TEST_F(Fetch, MarkOfACommandThatIsRefusedReadsAsFailed) {
         const char* status;
     } rows[] = {
         {"--ftp 10.0.0.1 u p f", 11, "-1\t--ftp is not offered by this version\n"},
-        {"--apply demo 1.0", 15, "-1\t--apply is not offered by this version\n"},
-        {"--rback demo 1.0", 16, "-1\t--rback is not offered by this version\n"},
+        {"--apply demo 1.0", 15, "-1\tdemo 1.0 is not held on this machine\n"},
+        {"--rback demo 1.0", 16, "-1\tdemo 1.0 is not applied\n"},
         {"--hd", 2, "-1\tthe command line of --hd was wrong\n"},
     };
     for (const auto& row : rows) {
@@ -198,7 +198,7 @@ TEST_F(Fetch, ForgottenBundleIsGoneAndMayComeAgain) {
 
 TEST_F(Fetch, ScheduledBundleIsNotForgotten) {
     Take({});
-    Sql("INSERT INTO schedules SELECT id, 2000000000 FROM bundles");
+    Sql("INSERT INTO schedules (bundle, apply_at) SELECT id, 2000000000 FROM bundles");
     ExpectFailure("forget demo 1.0", 12, "demo 1.0 is scheduled");
     EXPECT_EQ(HeldFiles(), 1);
 }
@@ -210,7 +210,8 @@ TEST_F(Fetch, PruneRemovesWhatNobodyCanApply) {
     Take({.name = "bad"});
     Sql("UPDATE bundles SET faults = 'torn' WHERE name = 'bad'");
     RecordApplied("demo", "1.1");
-    Sql("INSERT INTO schedules SELECT id, 2000000000 FROM bundles WHERE version = '0.2'");
+    Sql("INSERT INTO schedules (bundle, apply_at) SELECT id, 2000000000 FROM bundles WHERE version "
+        "= '0.2'");
     EXPECT_EQ(Output("prune"), "demo 1.0 has been removed (Obsolete).\n"
                                "demo 0.1 has been removed (Obsolete).\n"
                                "bad 1.0 has been removed (Invalid).\n");

@@ -136,7 +136,8 @@ TEST_F(IntakeTest, InvalidBundleIsReplacedInItsPlaceAndKeepsItsSchedule) {
     const std::int64_t id = store_.FindBundle("demo", "1.0")->id;
     patchkeeper::Database database(state_.DatabaseFile(), patchkeeper::Database::Access::Existing,
                                    std::chrono::seconds(1));
-    database.Execute("INSERT INTO schedules VALUES (" + std::to_string(id) + ", 2000000000)");
+    database.Execute("INSERT INTO schedules (bundle, apply_at) VALUES (" + std::to_string(id) +
+                     ", 2000000000)");
     settings_.allowUnsigned = true;
     EXPECT_EQ(TakeIn(file).faults, "");
     ASSERT_EQ(store_.Schedules().size(), 1U);

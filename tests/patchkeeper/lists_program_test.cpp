@@ -59,7 +59,8 @@ TEST_F(Lists, EveryStateHasItsWord) {
     Take({.name = "other"});
     Take({.name = "gone"});
     RecordApplied("demo", "1.10");
-    Sql("INSERT INTO schedules SELECT id, 2000000000 FROM bundles WHERE version = '2.0'");
+    Sql("INSERT INTO schedules (bundle, apply_at) SELECT id, 2000000000 FROM bundles WHERE version "
+        "= '2.0'");
     Sql("UPDATE bundles SET faults = 'torn' WHERE name = 'other'");
     for (const auto& file : fs::directory_iterator(Root() / "bundles")) {
         if (file.path().filename().string().starts_with("gone@")) {
@@ -89,7 +90,7 @@ TEST_F(Lists, NoRecordIsLongerThanAReaderTakes) {
           .version = std::string(64, '1'),
           .shortDescription = longText,
           .more = R"("warnings": [")" + longText + R"("],)"});
-    Sql("INSERT INTO schedules SELECT id, 2000000000 FROM bundles");
+    Sql("INSERT INTO schedules (bundle, apply_at) SELECT id, 2000000000 FROM bundles");
     Sql("UPDATE bundles SET location = '/" + longText + "'");
     RecordApplied("a", "1");
     Sql("UPDATE applied SET short_description = '" + longText + "', category = '" + longText + "'");
@@ -185,7 +186,8 @@ TEST_F(Lists, SchedulesHaveNineFieldsTheEarliestFirst) {
     Take({});
     Take({.version = "2.0"});
     Sql("UPDATE bundles SET taken_in = 1735787045, location = '/mnt/demo.tar.gz'");
-    Sql("INSERT INTO schedules SELECT id, 1750775866 - 100000 * (version = '2.0') FROM bundles");
+    Sql("INSERT INTO schedules (bundle, apply_at) SELECT id, 1750775866 - 100000 * (version = "
+        "'2.0') FROM bundles");
     EXPECT_EQ(Output("--sched"),
               "demo\t2.0\tA demo\t/mnt/demo.tar.gz\tThu Jan  2 03:04:05 UTC 2025\t"
               "Mon Jun 23 10:51:06 UTC 2025\t-\t6\tScheduled\n"

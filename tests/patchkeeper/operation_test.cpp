@@ -202,6 +202,27 @@ TEST_F(Operations, NextOperationClearsWhatAKilledOneLeftAndSaysSo) {
                   (state_.BundleDirectory() / "incoming").string() + ".\n");
 }
 
+TEST_F(Operations, WithdrawnOperationLeavesWhatWasReadable) {
+    {
+        Operation operation(state_, store_, settings_, subject_, notes_);
+        operation.Fail("the disk is full");
+    }
+    {
+        Operation operation(state_, store_, settings_, subject_, notes_);
+        operation.Withdraw();
+    }
+    ExpectStatus(Status::Failed, "the disk is full");
+}
+
+TEST_F(Operations, CancelIsForTheOperationOfThatNumberOnly) {
+    const Operation operation(state_, store_, settings_, subject_, notes_);
+    EXPECT_FALSE(operation.IsCancelRequested());
+    patchkeeper::RequestCancel(state_, operation.Number() - 1);
+    EXPECT_FALSE(operation.IsCancelRequested());
+    patchkeeper::RequestCancel(state_, operation.Number());
+    EXPECT_TRUE(operation.IsCancelRequested());
+}
+
 TEST_F(Operations, RefusedCommandFailsTheMarkAndNothingElse) {
     patchkeeper::FailMark(state_, "not offered");
     ExpectStatus(Status::Nothing, "Nothing is running.");

@@ -9,6 +9,7 @@
 #include <gmock/gmock.h>
 
 #include "patchkeeper/Failure.hpp"
+#include "patchkeeper/Store.hpp"
 #include "patchkeeper/TemporaryDirectory.hpp"
 
 namespace {
@@ -66,6 +67,22 @@ TEST_F(Schema, OlderDatabaseIsMigratedWithItsContents) {
     EXPECT_EQ(Number(database, "SELECT a * 10 + b FROM t"), 79);
     BringUpToDate(database, three); // nothing is done twice
     EXPECT_EQ(Number(database, "SELECT a * 10 + b FROM t"), 79);
+}
+
+TEST_F(Schema, WhatTheFirstVersionAppliedAndScheduledStaysSo) {
+    Database database = Open();
+    BringUpToDate(database, patchkeeper::SchemaSteps().first(1));
+    database.Execute(
+        "INSERT INTO applied VALUES (4, 'demo', '1.0', 's', 'l', 'c', 'Other', 1, 1735787045);"
+        "INSERT INTO bundles VALUES (7, 'demo', '2.0', 's', 'l', 'c', 'Other', 0, 1, 5, 'f', '/', "
+        "1735787045, ''); INSERT INTO schedules VALUES (7, 2000000000)");
+    patchkeeper::Store store(file_, Database::Access::Existing, std::chrono::milliseconds(50));
+    ASSERT_EQ(store.AppliedUpdates().size(), 1U);
+    EXPECT_EQ(store.AppliedUpdates()[0].id, 4);
+    EXPECT_TRUE(store.UnfinishedUpdates().empty());
+    ASSERT_EQ(store.Schedules().size(), 1U);
+    EXPECT_EQ(store.Schedules()[0].applyAt, 2'000'000'000);
+    EXPECT_EQ(store.Schedules()[0].failure, "");
 }
 
 TEST_F(Schema, MigrationThatFailsLeavesTheOldVersionAsItWas) {

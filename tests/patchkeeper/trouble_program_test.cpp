@@ -48,8 +48,10 @@ constexpr CommandCode readers[] = {
     {"--status", 12},
 };
 constexpr CommandCode writers[] = {
-    {"--setinprogress", 12}, {"--usb /tmp", 22}, {"--hd /tmp", 14},
-    {"forget demo 1", 12},   {"prune", 12},
+    {"--setinprogress", 12},     {"--usb /tmp", 22},      {"--hd /tmp", 14},
+    {"--apply demo 1", 15},      {"--rback demo 1", 16},  {"--sched demo 1 x y", 17},
+    {"--msched demo 1 x y", 18}, {"--msched demo 1", 18}, {"--run-due", 15},
+    {"forget demo 1", 12},       {"prune", 12},
 };
 
 class Trouble : public patchkeeper_test::OnState {
@@ -114,7 +116,7 @@ TEST_F(Trouble, DamagedDatabaseFailsEveryCommandWithItsCode) {
 TEST_F(Trouble, NewerDatabaseFailsEveryCommandWithItsCode) {
     Output("prune");
     Sql("PRAGMA user_version = 99");
-    ExpectAllFail(Database() + " has version 99, which is newer than this program's 1");
+    ExpectAllFail(Database() + " has version 99, which is newer than this program's 2");
 }
 
 TEST_F(Trouble, MistakesInTheSettingsFailEveryCommandWithItsCode) {
@@ -138,7 +140,10 @@ TEST_F(Trouble, BusyDatabaseFailsEveryCommandAfterABoundedWait) {
     const std::string sentence = Database() + " is busy: another command has kept it for 1000 ms";
     for (const CommandCode& row :
          {CommandCode{"", 1}, CommandCode{"--cache", 12}, CommandCode{"--status", 12},
-          CommandCode{"--usb /tmp", 22}, CommandCode{"--setinprogress", 12}}) {
+          CommandCode{"--usb /tmp", 22}, CommandCode{"--setinprogress", 12},
+          CommandCode{"--apply demo 1", 15}, CommandCode{"--rback demo 1", 16},
+          CommandCode{"--sched demo 1 x y", 17}, CommandCode{"--msched demo 1", 18},
+          CommandCode{"--run-due", 15}}) {
         ExpectFailure(row, sentence);
     }
     database.Execute("COMMIT");
@@ -155,8 +160,10 @@ TEST_F(Trouble, RunningOperationKeepsOthersOutAndListsGoOn) {
                                      {"fetch", "fetching from /mnt", "", ""}, notes);
     operation.Progress(50, 200, "fetching x.tar.gz");
     const std::string sentence = "another operation is running, and has been for 1000 ms";
-    for (const CommandCode& row : {CommandCode{"--hd /tmp", 14}, CommandCode{"--usb /tmp", 22},
-                                   CommandCode{"forget demo 1.0", 12}, CommandCode{"prune", 12}}) {
+    for (const CommandCode& row :
+         {CommandCode{"--hd /tmp", 14}, CommandCode{"--usb /tmp", 22},
+          CommandCode{"--apply demo 1.0", 15}, CommandCode{"--rback demo 1.0", 16},
+          CommandCode{"forget demo 1.0", 12}, CommandCode{"prune", 12}}) {
         ExpectFailure(row, sentence);
     }
     ExpectFailure({"--setinprogress", 12}, "an operation is running: fetching from /mnt");
@@ -171,8 +178,12 @@ TEST_F(Trouble, ReadOnlyRootCanBeListedButNotChanged) {
     EXPECT_EQ(Output("--cache"), "demo\t1.0\tA demo\t6\t-\tAvailable\n");
     EXPECT_THAT(Output("--status"), StartsWith("2\t"));
     EXPECT_GT(Output("").size(), 0U);
-    for (const CommandCode& row : {CommandCode{"--setinprogress", 12}, CommandCode{"prune", 12},
-                                   CommandCode{"--hd ", 14}, CommandCode{"--usb ", 22}}) {
+    for (const CommandCode& row :
+         {CommandCode{"--setinprogress", 12}, CommandCode{"prune", 12}, CommandCode{"--hd ", 14},
+          CommandCode{"--usb ", 22}, CommandCode{"--apply demo 1.0", 15},
+          CommandCode{"--rback demo 1.0", 16},
+          CommandCode{"--sched demo 1.0 'Wed May 18 03:33:20 2033' 'Wed May 18 03:33:20 2033'",
+                      17}}) {
         const std::string arguments = row.arguments;
         const Result result = Run(arguments + (arguments.ends_with(' ') ? bundle : ""));
         EXPECT_EQ(result.exitCode, row.exitCode) << arguments;
@@ -281,6 +292,48 @@ TEST_F(Trouble, TenFetchesAndTenListsAtOnceAllSucceed) {
     const std::string held = Output("--cache");
     EXPECT_EQ(std::count(held.begin(), held.end(), '\n'), 10);
     EXPECT_THAT(Output("--status"), StartsWith("2\t"));
+}
+
+TEST_F(Trouble, ApplyingRollingBackAndSchedulingAtOnceAllComeOutWhole) {
+    directory_.Write("root/patchkeeper.conf", "allow_unsigned = true\nlock_timeout = 100\n");
+    for (int i = 0; i < 6; ++i) {
+        Take({.name = "demo" + std::to_string(i),
+              .path = "etc/" + std::to_string(i),
+              .text = patchkeeper_test::Noise(50'000)});
+    }
+    for (const char* update : {"demo0 1.0", "demo1 1.0"}) {
+        Output("--apply " + std::string(update));
+    }
+    const std::string when = " 'Wed May 18 03:33:20 2033' 'Wed May 18 03:33:20 2033'";
+    const std::string commands[] = {
+        "--rback demo0 1.0",        "--rback demo1 1.0", "--apply demo2 1.0",
+        "--apply demo3 1.0",        "--apply demo3 1.0", "--sched demo4 1.0" + when,
+        "--sched demo5 1.0" + when, "--run-due",         "--hd " + At("incoming.tar.gz").string(),
+        "--hist >/dev/null"};
+    std::string all;
+    for (std::size_t i = 0; i < std::size(commands); ++i) {
+        all += "{ patchkeeper " + commands[i] + "; echo " + std::to_string(i) + ": $?; } & ";
+    }
+    const Result result = InShell(all + "wait");
+    std::multiset<std::string> codes;
+    std::istringstream lines(result.output);
+    for (std::string line; std::getline(lines, line);) {
+        codes.insert(line.starts_with("4: ") ? line.replace(0, 1, "3") : line);
+    }
+    // One of the two that apply the same update comes too late.
+    EXPECT_EQ(codes, (std::multiset<std::string>{"0: 0", "1: 0", "2: 0", "3: 0", "3: 15", "5: 0",
+                                                 "6: 0", "7: 0", "8: 0", "9: 0"}));
+    EXPECT_EQ(result.errors, "patchkeeper: demo3 1.0 is applied already.\n");
+    std::set<std::string> installed;
+    for (const auto& file : fs::directory_iterator(Root() / "target/etc")) {
+        installed.insert(file.path().filename().string());
+        EXPECT_EQ(fs::file_size(file.path()), 50'000U);
+    }
+    EXPECT_EQ(installed, (std::set<std::string>{"2", "3"}));
+    const std::string history = Output("--hist");
+    EXPECT_EQ(std::count(history.begin(), history.end(), '\n'), 2);
+    const std::string schedules = Output("--sched");
+    EXPECT_EQ(std::count(schedules.begin(), schedules.end(), '\n'), 2);
 }
 
 TEST_F(Trouble, OfTenMarksAtOnceOneIsTaken) {
