@@ -12,6 +12,7 @@ import socket
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 
 SOURCE = pathlib.Path(__file__).resolve().parents[3]
@@ -133,6 +134,28 @@ class Serve(Tree):
         self.assertIn(f":{port},", self.greeting(process)[0])
         process.terminate()
         self.assertEqual(process.wait(PATIENCE), 0)
+
+    def test_applies_what_is_due(self):
+        calls = self.tree / "build/calls"
+        self.replace_by_script("bin/patchkeeper", f"#!/bin/sh\necho \"$@\" >>{calls}\n")
+        self.settings["DUE_SECONDS"] = "0.1"
+        process = self.start("serve", "0")
+        self.greeting(process)
+        end = time.monotonic() + PATIENCE
+        while not calls.exists() and time.monotonic() < end:
+            time.sleep(0.05)
+        self.assertIn("--run-due\n", calls.read_text())
+        process.terminate()
+        process.communicate(timeout=PATIENCE)
+        self.assertEqual(process.returncode, 0)
+
+    def test_leaves_nobody_who_waits_for_the_next_minute(self):
+        process = self.start("serve", "0")
+        self.greeting(process)
+        process.terminate()
+        started = time.monotonic()
+        process.communicate(timeout=PATIENCE)  # until nobody holds its output any more
+        self.assertLess(time.monotonic() - started, 50)
 
     def test_says_when_the_port_is_taken(self):
         with socket.socket() as taken:
