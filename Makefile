@@ -5,7 +5,7 @@ SHELL := /bin/bash
 JOBS ?= $(shell nproc)
 PORT ?= 5988
 
-.PHONY: help build demo serve test sanitize check ci matrix mutants bench format clean
+.PHONY: help build demo serve test sanitize check ci matrix mutants fuzz bench format clean
 
 help: ## list the commands
 	@grep -hE '^[a-z-]+:.*## ' Makefile | sed -E 's/:[^#]*## /\t/' | expand -t 12
@@ -51,6 +51,11 @@ matrix: ## every operation and method in every situation: carry them out, then p
 mutants: ## break the library's rules one at a time and see that the tests notice (about an hour)
 	@scripts/require-packages build run test
 	@scripts/mutants
+
+fuzz: ## feed the readers with what nobody thought of (SECONDS= for each of them, 300)
+	@scripts/require-packages build run test sanitize
+	@scripts/build fuzz fuzz_targets
+	@scripts/fuzz $(SECONDS)
 
 bench: ## measure against the floor: a table here, build/bench.json beside it
 	@scripts/require-packages build run bench
