@@ -93,7 +93,7 @@ double AnswersPerSecond(const ServerProcess& server, int clients, std::chrono::s
         thread.join();
     }
     if (failures != 0) {
-        throw std::runtime_error("a client beside seven others was not answered");
+        throw std::runtime_error("one of several clients was not answered");
     }
     return answers * 1e3 / MillisecondsSince(start);
 }
@@ -124,6 +124,9 @@ void MeasureMillion(std::vector<Row>& rows) {
 
 void RunTool() {
     std::FILE* pipe = popen("/qv/bin/patchkeeper --status ", "r");
+    if (pipe == nullptr) {
+        throw std::runtime_error("the tool does not start");
+    }
     std::array<char, 1024> line;
     while (std::fgets(line.data(), static_cast<int>(line.size()), pipe) != nullptr) {
     }

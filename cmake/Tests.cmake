@@ -1,5 +1,5 @@
 # add_project_test(NAME <name> SOURCES <file>... [LIBRARIES <target>...] [LABELS <label>...]
-#                  [PRIVATE_ROOT [TOOL <target>]])
+#                  [PRIVATE_ROOT [TOOL <target>]] [TIMEOUT <seconds>])
 #
 # One GoogleTest program; every test in it becomes a test of its own, in a process of its own, so that
 # no test sees what another left behind. PRIVATE_ROOT runs them where /qv/bin/patchkeeper is the
@@ -20,7 +20,7 @@ target_precompile_headers(test_headers PRIVATE
     <gmock/gmock.h> <gtest/gtest.h>)
 
 function(add_project_test)
-    cmake_parse_arguments(arg "PRIVATE_ROOT" "NAME;TOOL" "SOURCES;LIBRARIES;LABELS" ${ARGN})
+    cmake_parse_arguments(arg "PRIVATE_ROOT" "NAME;TOOL;TIMEOUT" "SOURCES;LIBRARIES;LABELS" ${ARGN})
     add_executable(${arg_NAME} ${arg_SOURCES})
     target_link_libraries(${arg_NAME} PRIVATE project_settings ${arg_LIBRARIES}
         GTest::gmock GTest::gtest GTest::gtest_main)
@@ -39,7 +39,10 @@ function(add_project_test)
             CROSSCOMPILING_EMULATOR
             "${PROJECT_SOURCE_DIR}/scripts/with-qv;$<TARGET_FILE:${arg_TOOL}>")
     endif()
-    set(properties TIMEOUT 120)
+    if(NOT arg_TIMEOUT)
+        set(arg_TIMEOUT 120)
+    endif()
+    set(properties TIMEOUT ${arg_TIMEOUT})
     if("overlap" IN_LIST arg_LABELS)
         add_dependencies(overlap_tests ${arg_NAME})
     endif()

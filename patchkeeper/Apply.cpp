@@ -63,6 +63,11 @@ std::vector<BundleFile> WantedFiles(const Manifest& manifest,
     return wanted;
 }
 
+// A part of the path is named as the drafts are.
+bool HasDraftName(const std::string& path) {
+    return ('/' + path).find('/' + std::string(TargetTree::draftPrefix)) != std::string::npos;
+}
+
 Standing StandingOf(const BundleFile& file) {
     Standing standing;
     standing.kind = file.IsLink() ? Standing::Kind::Link : Standing::Kind::File;
@@ -129,7 +134,7 @@ private:
         TargetTree::MakeRoot(settings_.target);
         tree_.emplace(settings_.target);
         RefuseOwnFiles();
-        update_.target = settings_.target.string();
+        update_.target = fs::canonical(settings_.target).string();
         update_.kept = std::to_string(operation_.Number());
         update_.appliedAt = std::time(nullptr);
         KeepWhatIsReplaced();
@@ -169,8 +174,7 @@ private:
         std::error_code ignored; // both directories are there
         const std::string root = fs::relative(state_.Root(), settings_.target, ignored).string();
         for (const auto& path : paths_) {
-            if (path.substr(path.rfind('/') + 1).starts_with(TargetTree::draftPrefix) ||
-                root == "." || path == root || path.starts_with(root + '/')) {
+            if (HasDraftName(path) || root == "." || path == root || path.starts_with(root + '/')) {
                 throw CannotApply(path + " is a place that this program keeps for itself");
             }
         }
@@ -180,15 +184,19 @@ private:
         const fs::path kept = state_.KeptDirectory() / update_.kept;
         MakeDirectory(state_.KeptDirectory());
         MakeDirectory(kept);
+        bool isAnyKept = false;
         for (std::size_t i = 0; i < files_.size(); ++i) {
             Standing before = tree_->Look(files_[i].path);
             if (before.kind == Standing::Kind::File) {
+                isAnyKept = true;
                 before = tree_->Keep(files_[i].path, kept / std::to_string(i),
                                      [&](std::size_t bytes) { pace_.Spend(bytes); });
             }
             changes_.push_back({files_[i].path, std::move(before)});
         }
-        SyncFilesUnder(kept);
+        if (isAnyKept) {
+            SyncFilesUnder(kept);
+        }
     }
 
     std::string Install() {

@@ -108,10 +108,13 @@ std::time_t LocalMoment(std::string_view date, std::string_view time) {
     parts.tm_hour = clock.tm_hour;
     parts.tm_min = clock.tm_min;
     parts.tm_sec = clock.tm_sec;
-    for (const int summerTime : {1, 0}) {
-        if (const auto moment = Moment(parts, summerTime)) {
-            return *moment;
-        }
+    const auto inSummer = Moment(parts, 1);
+    const auto inWinter = Moment(parts, 0);
+    if (inSummer && inWinter) {
+        return std::min(*inSummer, *inWinter);
+    }
+    if (inSummer || inWinter) {
+        return inSummer ? *inSummer : *inWinter;
     }
     throw Unreadable("there is no such local time as '" + std::string(time) + "' on the day of '" +
                      std::string(date) + "'");

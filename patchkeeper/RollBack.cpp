@@ -67,14 +67,27 @@ AppliedUpdate FindRemovable(Store& store, const std::string& name, const std::st
     return *update;
 }
 
+// A roll-back that stops after its first change is finished by the next command.
+template <class Work>
+void OrSayWhatFollows(const std::string& reason, Work work) {
+    try {
+        work();
+    } catch (const StateProblem& problem) {
+        throw StateProblem((reason.empty() ? "" : reason + "; ") + problem.what() +
+                           "; the next command that changes something finishes the roll-back");
+    }
+}
+
 // Until everything is written beside its place nothing has changed, and the update stays applied.
 void DraftOrKeepApplied(Store& store, Restoration& restoration, const AppliedUpdate& update,
                         const TargetTree::CopiedPiece& copied) {
     try {
         restoration.Draft(copied);
-    } catch (...) {
-        restoration.RemoveDrafts();
-        store.SetAppliedState(update.id, AppliedUpdate::State::Applied);
+    } catch (const std::exception& error) {
+        OrSayWhatFollows(error.what(), [&] {
+            restoration.RemoveDrafts();
+            store.SetAppliedState(update.id, AppliedUpdate::State::Applied);
+        });
         throw;
     }
 }
@@ -93,7 +106,7 @@ std::string TakeBack(const State& state, Store& store, const Settings& settings,
         done += bytes;
         operation.Progress(done, total, "rolling back " + address);
     });
-    restoration.Switch();
+    OrSayWhatFollows("", [&] { restoration.Switch(); });
     std::string sentence = address + " has been rolled back";
     Transaction transaction = store.Begin(Transaction::Kind::Write);
     restoration.Forget();

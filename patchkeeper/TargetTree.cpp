@@ -101,7 +101,9 @@ TargetTree::TargetTree(fs::path root)
 
 void TargetTree::MakeRoot(const fs::path& root) {
     std::error_code error;
-    fs::create_directories(root, error);
+    if (fs::create_directories(root, error) && !error) {
+        fs::permissions(root, fs::perms{directoryMode}, error); // whatever the umask
+    }
     if (error) {
         ThrowCannot("used as the target", root, error.value());
     }
@@ -321,7 +323,7 @@ void TargetTree::Switch(std::size_t position, const std::string& path,
 void TargetTree::RemoveDraft(std::size_t position, const std::string& path) const {
     const auto place = Find(path);
     if (place && unlinkat(place->directory.Number(), DraftName(position).c_str(), 0) != 0 &&
-        errno != ENOENT) {
+        errno != ENOENT && errno != EISDIR) { // a directory is nobody's draft
         Throw("removed", path, errno);
     }
 }

@@ -104,7 +104,7 @@ void RemoveHost(std::string_view& text) {
 std::optional<PathText> Split(std::string_view text) {
     RemoveHost(text);
     PathText path;
-    const std::size_t mark = text.find_first_of(":.");
+    const std::size_t mark = text.find_first_of(":=\"'");
     if (mark != std::string_view::npos && text[mark] == ':') {
         path.nameSpace = WithoutSlashes(TakeUntil(text, ':'));
     }

@@ -7,6 +7,11 @@ namespace cimserver::http {
 
 namespace {
 
+/// The HTTP library takes no empty value; a blank means the same (RFC 9110, 5.5).
+const char* ValueOf(const Header& header) {
+    return header.value.empty() ? " " : header.value.c_str();
+}
+
 /// What the HTTP library keeps until the response is sent or given up.
 struct Source {
     std::shared_ptr<AnswerInTransit> answer;
@@ -27,7 +32,7 @@ ssize_t ReadOn(void* argument, std::uint64_t /*position*/, char* target, std::si
         return MHD_CONTENT_READER_END_WITH_ERROR;
     }
     for (const Header& trailer : source.answer->Trailers()) {
-        MHD_add_response_footer(source.response, trailer.name.c_str(), trailer.value.c_str());
+        MHD_add_response_footer(source.response, trailer.name.c_str(), ValueOf(trailer));
     }
     return MHD_CONTENT_READER_END_OF_STREAM;
 }
@@ -81,9 +86,7 @@ MHD_Result Send(MHD_Connection* connection, const std::shared_ptr<AnswerInTransi
     }
     const Head& head = answer->ItsHead();
     for (const Header& header : head.headers) {
-        // The HTTP library takes no empty value; a blank means the same (RFC 9110, 5.5).
-        const char* value = header.value.empty() ? " " : header.value.c_str();
-        MHD_add_response_header(response, header.name.c_str(), value);
+        MHD_add_response_header(response, header.name.c_str(), ValueOf(header));
     }
     if (answer->Streams() && !head.trailerNames.empty()) {
         MHD_add_response_header(response, MHD_HTTP_HEADER_TRAILER, head.trailerNames.c_str());

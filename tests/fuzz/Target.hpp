@@ -24,6 +24,9 @@ inline std::string TextWithoutNul(const std::uint8_t* data, std::size_t size) {
     return std::string(text.substr(0, text.find('\0')));
 }
 
+/// How many inputs were understood, not refused: a corpus of which none is shows nothing.
+inline int understood = 0;
+
 [[noreturn]] inline void Fail(const std::string& reason) {
     std::fprintf(stderr, "%s\n", reason.c_str());
     std::abort();

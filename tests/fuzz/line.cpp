@@ -21,6 +21,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
                 fuzz::Fail("no field: " + field);
             }
             length += field.size();
+            ++fuzz::understood;
         }
     } catch (const OpenWBEM::CIMException&) {
         // no field is left

@@ -15,6 +15,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     } catch (const OpenWBEM::Exception&) {
         return 0;
     }
+    ++fuzz::understood;
     const String text = path.toString();
     try {
         if (!(CIMObjectPath::parse(text) == path)) {

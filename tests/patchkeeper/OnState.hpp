@@ -12,12 +12,17 @@
 #include "patchkeeper/TemporaryDirectory.hpp"
 #include "patchkeeper/TestBundle.hpp"
 
+#include <sys/stat.h>
+
 namespace patchkeeper_test {
 
 // The program on a state of its own, in which unsigned bundles are good.
 class OnState : public testing::Test {
 protected:
-    OnState() { directory_.Write("root/patchkeeper.conf", "allow_unsigned = true\n"); }
+    OnState() {
+        umask(022); // for the modes of what the tests make themselves
+        directory_.Write("root/patchkeeper.conf", "allow_unsigned = true\n");
+    }
 
     std::filesystem::path Root() const { return directory_.Path() / "root"; }
     std::filesystem::path At(const std::string& name) const { return directory_.Path() / name; }

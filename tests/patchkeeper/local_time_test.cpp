@@ -36,6 +36,13 @@ TEST_F(LocalTime, DayAndTimeComeFromTheirTexts) {
               1770951845 + 5 * 3600);
 }
 
+TEST_F(LocalTime, OfATimeThatComesTwiceTheFirstCounts) {
+    SetZone("CET-1CEST,M3.5.0,M10.5.0/3"); // an hour more in summer
+    EXPECT_EQ(LocalMoment("Sun Oct 25 02:30:00 2026", "Sun Oct 25 02:30:00 2026"), 1792888200);
+    SetZone("IST-1GMT0,M10.5.0,M3.5.0/1"); // an hour less in winter
+    EXPECT_EQ(LocalMoment("Sun Oct 25 01:30:00 2026", "Sun Oct 25 01:30:00 2026"), 1792888200);
+}
+
 TEST_F(LocalTime, EveryOtherTextIsRefused) {
     SetZone("UTC");
     const std::string good = "Fri Feb 13 23:59:00 2026";

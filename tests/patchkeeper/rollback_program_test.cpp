@@ -91,6 +91,22 @@ TEST_F(RollBack, WhatIsNotAppliedOrNotRemovableIsRefused) {
     EXPECT_EQ(Output("--status"), "-1\tfixed 1.0 is not removable\n");
 }
 
+TEST_F(RollBack, TargetIsTheSameHoweverItIsWritten) {
+    Take({.files = {{"files/data", "one\n"}}});
+    Take({.name = "other", .files = {{"files/data", "two\n"}}});
+    Output("--apply demo 1.0");
+    fs::create_directory_symlink(Target(), Root() / "way");
+    for (const char* target : {"./target/", "way"}) {
+        directory_.Write("root/patchkeeper.conf",
+                         "allow_unsigned = true\ntarget = " + std::string(target) + "\n");
+        Output("--apply other 1.0");
+        ExpectNoChange("--rback demo 1.0", 16,
+                       "data of demo 1.0 was changed later by other 1.0, which has to be rolled "
+                       "back first");
+        Output("--rback other 1.0");
+    }
+}
+
 TEST_F(RollBack, FileOfALaterUpdateIsNamedAndKept) {
     Put("etc/demo.conf", "old\n");
     Take({.files = {{"files/etc/demo.conf", "one\n"}, {"files/a", "1"}}});
@@ -181,7 +197,7 @@ TEST_F(RollBack, CancelUndoesWhatStandsBelowTheTargetAlready) {
     const Tree before = Files();
     Take({.files = {{"files/data", patchkeeper_test::Noise(200'000)}, {"files/new/a", "x"}}});
     directory_.Write("root/patchkeeper.conf",
-                     "allow_unsigned = true\nlock_timeout = 8\napply_rate = 100K\n");
+                     "allow_unsigned = true\nlock_timeout = 8\napply_rate = 50K\n");
     Running apply(Root(), {"--apply", "demo", "1.0"});
     while (Files() == before) { // a directory for the first drafts
         ASSERT_TRUE(apply.IsRunning());
@@ -212,7 +228,7 @@ TEST_F(RollBack, CancelOfAnApplyThatIsKilledMeanwhileUndoesItItself) {
     const Tree before = Files();
     Take({.files = {{"files/data", patchkeeper_test::Noise(200'000)}, {"files/new/a", "x"}}});
     directory_.Write("root/patchkeeper.conf",
-                     "allow_unsigned = true\nlock_timeout = 60\napply_rate = 100K\n");
+                     "allow_unsigned = true\nlock_timeout = 60\napply_rate = 50K\n");
     Running apply(Root(), {"--apply", "demo", "1.0"});
     while (Files() == before) { // a directory for the first drafts
         ASSERT_TRUE(apply.IsRunning());

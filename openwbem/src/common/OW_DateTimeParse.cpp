@@ -255,7 +255,7 @@ bool twoDigits(const char* text, int& number) {
     return toNumber(Word{text, 2, false}, number);
 }
 
-// `Thu Jan  2 03:04:05 UTC 2025`, as date(1) and ctime(3) write it: every field at its place. False
+// `Thu Jan  2 03:04:05 UTC 2025`, as date(1) writes it: every field at its place. False
 // for anything else, which takeWords may still understand; both read this form alike.
 bool takeDateForm(const char* text, std::size_t length, FreeForm& form) {
     const std::size_t zoneBegin = 20;

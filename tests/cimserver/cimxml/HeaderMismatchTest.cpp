@@ -60,6 +60,20 @@ TEST(HeaderMismatch, CimMethodIsTheNameInAnyCaseAndEncoding) {
     }
 }
 
+TEST(HeaderMismatch, ANamespaceMayHoldPoints) {
+    std::string body = test_support::ExtrinsicCall(
+        "M",
+        R"(<INSTANCENAME CLASSNAME="A"><KEYBINDING NAME="K"><KEYVALUE>x:y</KEYVALUE></KEYBINDING>)"
+        R"(</INSTANCENAME>)",
+        "");
+    const std::string usual = "cimv2";
+    body.replace(body.find(usual), usual.size(), "acme.v2");
+    for (const Row& row : {Row{R"(root/acme.v2:A.K="x:y")", true},
+                           Row{R"(root/acme.v3:A.K="x:y")", false}, Row{"root/acme.v2:A", false}}) {
+        ExpectFit(body, "M", row);
+    }
+}
+
 TEST(HeaderMismatch, CimObjectOfAnIntrinsicCallIsItsNamespace) {
     const std::string body = test_support::IntrinsicCall("EnumerateClassNames", "");
     for (const Row& row :

@@ -63,7 +63,8 @@ Function* Next(const char* name) {
 }
 
 mode_t ModeOf(int flags, va_list list) {
-    return (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(list, mode_t) : 0;
+    const bool makesFile = (flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE;
+    return makesFile ? va_arg(list, mode_t) : 0;
 }
 
 void CountOpen(int flags) {

@@ -142,12 +142,18 @@ class Serve(Tree):
         process = self.start("serve", "0")
         self.greeting(process)
         end = time.monotonic() + PATIENCE
-        while not calls.exists() and time.monotonic() < end:
+        while time.monotonic() < end and not (calls.exists() and "--run-due\n" in calls.read_text()):
             time.sleep(0.05)
         self.assertIn("--run-due\n", calls.read_text())
         process.terminate()
         process.communicate(timeout=PATIENCE)
         self.assertEqual(process.returncode, 0)
+
+    def test_refuses_what_is_no_number_of_seconds(self):
+        self.settings["DUE_SECONDS"] = "often"
+        done = self.run_script("serve", "0")
+        self.assertEqual((done.returncode, done.stderr),
+                         (2, "DUE_SECONDS: 'often' is no number of seconds\n"))
 
     def test_leaves_nobody_who_waits_for_the_next_minute(self):
         process = self.start("serve", "0")
