@@ -37,10 +37,11 @@ bool CancelApply(const State& state, Store& store, const Settings& settings,
         return false;
     }
     RequestCancel(state, row.number);
+    const std::string address = name + ' ' + version;
     const auto deadline = std::chrono::steady_clock::now() + settings.lockTimeout;
     while (IsStillRunning(state, store, row.number)) {
         if (std::chrono::steady_clock::now() >= deadline) {
-            throw CannotRemove("the apply of " + name + ' ' + version +
+            throw CannotRemove("the apply of " + address +
                                " has been told to stop, and has not within " +
                                std::to_string(settings.lockTimeout.count()) + " s");
         }

@@ -20,7 +20,7 @@ const CIMException* AsCimException(const Exception& error) {
 
 /// Without the phrase that a CIM error puts around its text.
 String TextOf(const Exception& error) {
-    const String message = error.getMessage();
+    String message = error.getMessage();
     if (const CIMException* cimError = AsCimException(error)) {
         const String start =
             String(CIMException(__FILE__, __LINE__, cimError->getErrNo()).getMessage()) + " (";

@@ -245,12 +245,12 @@ Array<AvaliableUpdate> AvaliableUpdateProvider::GetCachedList() {
         ThrowPatchKeeperError(code);
     }
     std::string line;
-    for (UInt16 i = 0; i < lines.size(); ++i) {
+    for (size_t i = 0; i < lines.size(); ++i) {
         if (i == MOST_RECORDS) {
             ThrowCimFailed(TOO_MANY_RECORDS);
         }
         line = static_cast<const StringArray&>(lines)[i].c_str();
-        records.push_back(ReadRecord(i, &line[0]));
+        records.push_back(ReadRecord(static_cast<UInt16>(i), &line[0]));
     }
     return records;
 }
@@ -337,7 +337,7 @@ void AvaliableUpdateProvider::modifyInstance(const ProviderEnvironmentIFCRef&, c
 
 String AvaliableUpdateProvider::GetViaFtp(const String& server, const String& first,
                                           const String& second, const String& third) const {
-    const String refusal = RefusalOf(server, first, second, third);
+    String refusal = RefusalOf(server, first, second, third);
     if (!refusal.empty()) {
         return refusal;
     }
@@ -348,7 +348,7 @@ String AvaliableUpdateProvider::GetViaFtp(const String& server, const String& fi
 String AvaliableUpdateProvider::GetViaHttp(const String& server, const String& first,
                                            const String& second, const String& third,
                                            bool flag) const {
-    const String refusal = RefusalOf(server, first, second, third);
+    String refusal = RefusalOf(server, first, second, third);
     if (!refusal.empty()) {
         return refusal;
     }
@@ -359,7 +359,7 @@ String AvaliableUpdateProvider::GetViaHttp(const String& server, const String& f
 
 String AvaliableUpdateProvider::GetViaSamba(const String& server, const String& first,
                                             const String& second, const String& third) const {
-    const String refusal = RefusalOf(server, first, second, third);
+    String refusal = RefusalOf(server, first, second, third);
     if (!refusal.empty()) {
         return refusal;
     }
