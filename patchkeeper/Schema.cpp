@@ -139,8 +139,11 @@ std::span<const std::string_view> SchemaSteps() {
 
 void BringUpToDate(Database& database, std::span<const std::string_view> wanted) {
     const auto newest = static_cast<std::int64_t>(wanted.size());
-    if (Version(database, newest) == newest) {
-        return;
+    {
+        const Transaction look(database, Transaction::Kind::Read); // all of it at one moment
+        if (Version(database, newest) == newest) {
+            return;
+        }
     }
     Transaction transaction(database, Transaction::Kind::Write);
     // Another process may have been quicker.

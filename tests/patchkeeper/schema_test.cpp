@@ -2,11 +2,13 @@
 
 #include <chrono>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include <gmock/gmock.h>
+#include <sqlite3.h>
 
 #include "patchkeeper/Failure.hpp"
 #include "patchkeeper/Store.hpp"
@@ -131,6 +133,27 @@ TEST_F(Schema, SecondWriterIsTurnedAwayAfterABoundedWait) {
         EXPECT_THAT(problem.what(),
                     EndsWith("state.db is busy: another command has kept it for 50 ms"));
     }
+}
+
+// Another process makes the tables just when this one is looking whose database it is.
+TEST_F(Schema, TablesThatAppearMeanwhileAreNotTakenForAnotherPrograms) {
+    static const Steps steps = {"CREATE TABLE one (a)"};
+    Database database = Open();
+    std::function<void()> makeThem = [this] {
+        Database other = Open();
+        ProblemOf(other, steps); // it may have to wait, and then gives up
+    };
+    const auto beforeEach = [](unsigned, void* make, void*, void* text) -> int {
+        if (std::string_view(static_cast<const char*>(text)).find("sqlite_schema") !=
+            std::string_view::npos) {
+            (*static_cast<std::function<void()>*>(make))();
+        }
+        return 0;
+    };
+    sqlite3_trace_v2(database.Handle(), SQLITE_TRACE_STMT, beforeEach, &makeThem);
+    EXPECT_EQ(ProblemOf(database, steps), "none");
+    sqlite3_trace_v2(database.Handle(), 0, nullptr, nullptr);
+    EXPECT_EQ(Number(database, "PRAGMA user_version"), 1);
 }
 
 TEST_F(Schema, DamagedFileIsNamedWhenItIsOpenedForChanges) {
