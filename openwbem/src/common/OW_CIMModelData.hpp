@@ -12,6 +12,7 @@
 #include "OW_COWIntrusiveCountableBase.hpp"
 
 #include <string>
+#include <utility>
 
 namespace OpenWBEM {
 
@@ -33,8 +34,8 @@ struct CIMQualifierData : COWIntrusiveCountableBase {
 
 struct CIMPropertyData : COWIntrusiveCountableBase {
     CIMPropertyData() = default;
-    CIMPropertyData(const CIMName& itsName, const CIMDataType& itsType, const CIMValue& itsValue)
-        : name(itsName), type(itsType), value(itsValue) {}
+    CIMPropertyData(const CIMName& itsName, CIMDataType itsType, const CIMValue& itsValue)
+        : name(itsName), type(std::move(itsType)), value(itsValue) {}
 
     CIMName name;
     CIMDataType type;
