@@ -20,7 +20,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
         return 0; // of an empty text
     }
     ++fuzz::understood;
-    if (path.toString().empty() || !(CIMObjectPath(path) == path)) {
+    if (path.toString().empty()) {
         fuzz::Fail(std::string("a path without text: ") + text.c_str());
     }
     return 0;
