@@ -19,13 +19,6 @@ using Context = CommandContext;
 
 constexpr std::size_t any = std::numeric_limits<std::size_t>::max();
 
-// Nobody waits for a command that does not run.
-[[noreturn]] void RefuseMissing(const Context& context, const std::string& name, ExitCode code) {
-    const std::string sentence = name + " is not offered by this version";
-    FailMark(context.state, sentence);
-    throw Failure(code, sentence);
-}
-
 Listing ListingOf(const Context& context) {
     return {context.out, context.table};
 }
@@ -111,17 +104,31 @@ ExitCode PruneAll(const Context& context, const Arguments&) {
     return ExitCode::Ok;
 }
 
-ExitCode MissingFtp(const Context& context, const Arguments&) {
-    RefuseMissing(context, "--ftp", ExitCode::FtpFailed);
+void FetchByWords(const Context& context, Protocol protocol, const Arguments& arguments) {
+    FetchFromServer(context.state, protocol,
+                    {arguments[0], {arguments[1], arguments[2]}, arguments[3]},
+                    MessagesOf(context));
 }
 
-ExitCode MissingHttp(const Context& context, const Arguments& arguments) {
-    const bool overTls = arguments.size() > 4 && arguments[4] == "true";
-    RefuseMissing(context, "--http", overTls ? ExitCode::HttpsFailed : ExitCode::HttpFailed);
+ExitCode Ftp(const Context& context, const Arguments& arguments) {
+    FetchByWords(context, Protocol::Ftp, arguments);
+    return ExitCode::Ok;
 }
 
-ExitCode MissingSamba(const Context& context, const Arguments&) {
-    RefuseMissing(context, "--samba", ExitCode::SambaFailed);
+ExitCode Http(const Context& context, const Arguments& arguments) {
+    const std::string tls = arguments.size() > 4 ? arguments[4] : "false";
+    if (tls != "true" && tls != "false") {
+        const std::string sentence = "--http: what follows the path is neither true nor false";
+        FailMark(context.state, sentence);
+        throw Failure(ExitCode::Usage, sentence);
+    }
+    FetchByWords(context, tls == "true" ? Protocol::Https : Protocol::Http, arguments);
+    return ExitCode::Ok;
+}
+
+ExitCode Samba(const Context& context, const Arguments& arguments) {
+    FetchByWords(context, Protocol::Smb, arguments);
+    return ExitCode::Ok;
 }
 
 ExitCode Apply(const Context& context, const Arguments& arguments) {
@@ -182,6 +189,12 @@ constexpr auto commands = std::to_array<Command>({
      "Take in a bundle, or every bundle in a directory, from a USB device", Usb},
     {"--hd", "PATH", 1, 1, operation, ExitCode::DownloadFailed,
      "Take in a bundle, or every bundle in a directory", Disk},
+    {"--ftp", "ADDRESS USER PASSWORD PATH", 4, 4, operation, ExitCode::FtpFailed,
+     "Take in a bundle, or every bundle in a directory, from an FTP server", Ftp},
+    {"--http", "ADDRESS USER PASSWORD PATH [TLS]", 4, 5, operation, ExitCode::HttpFailed,
+     "The same from an HTTP server; TLS is true for HTTPS, or false", Http},
+    {"--samba", "ADDRESS USER PASSWORD PATH", 4, 4, operation, ExitCode::SambaFailed,
+     "The same from an SMB server; PATH begins with the share", Samba},
     {"--em", "", 0, 0, operation, ExitCode::DownloadFailed,
      "Take in what stands at em_url of the settings", ElementManager},
     {"--apply", "NAME VERSION [COMPONENT...]", 2, any, operation, ExitCode::ApplyFailed,
@@ -199,11 +212,6 @@ constexpr auto commands = std::to_array<Command>({
     {"forget", "NAME VERSION", 2, 2, change, general, "Remove a bundle that is held", ForgetOne},
     {"prune", "", 0, 0, change, general, "Remove the bundles that are obsolete or invalid",
      PruneAll},
-    {"--ftp", "ADDRESS USER PASSWORD PATH", 4, 4, operation, ExitCode::FtpFailed, "", MissingFtp},
-    {"--http", "ADDRESS USER PASSWORD PATH [TLS]", 4, 5, operation, ExitCode::HttpFailed, "",
-     MissingHttp},
-    {"--samba", "ADDRESS USER PASSWORD PATH", 4, 4, operation, ExitCode::SambaFailed, "",
-     MissingSamba},
 });
 
 } // namespace

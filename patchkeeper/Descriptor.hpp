@@ -13,6 +13,10 @@ public:
     Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
     Descriptor(const Descriptor&) = delete;
     Descriptor& operator=(const Descriptor&) = delete;
+    Descriptor& operator=(Descriptor&& other) noexcept {
+        std::swap(number_, other.number_); // the other one closes what was ours
+        return *this;
+    }
     ~Descriptor() { Close(); }
 
     int Number() const { return number_; }

@@ -1,83 +1,25 @@
 #include "patchkeeper/Fetch.hpp"
 
 #include <algorithm>
-#include <filesystem>
+#include <memory>
+#include <optional>
 #include <string_view>
-#include <system_error>
 #include <vector>
 
-#include "patchkeeper/Failure.hpp"
 #include "patchkeeper/Intake.hpp"
+#include "patchkeeper/LocalSource.hpp"
 #include "patchkeeper/ProgressBar.hpp"
 #include "patchkeeper/Record.hpp"
+#include "patchkeeper/RemoteSource.hpp"
 
 namespace patchkeeper {
 
-namespace fs = std::filesystem;
-
 namespace {
-
-constexpr std::string_view bundleSuffix = ".tar.gz";
 
 struct FetchCodes {
     ExitCode failed;
     ExitCode nothingFound;
 };
-
-// One bundle that may be taken in.
-struct Candidate {
-    fs::path file;
-    std::uint64_t size = 0;
-};
-
-bool IsBundleName(const fs::path& file) {
-    const std::string name = file.filename().string();
-    return name.size() > bundleSuffix.size() && name.ends_with(bundleSuffix);
-}
-
-Failure CannotRead(const fs::path& path, const std::error_code& error, ExitCode code) {
-    return {code, path.string() + " cannot be read: " + error.message()};
-}
-
-std::uint64_t SizeOf(const fs::path& file) {
-    std::error_code ignored; // what cannot be read is refused when it is its turn
-    const std::uintmax_t size = fs::file_size(file, ignored);
-    return ignored ? 0 : size;
-}
-
-std::vector<Candidate> BundlesIn(const fs::path& directory, const FetchCodes& codes) {
-    std::vector<Candidate> found;
-    std::error_code error;
-    for (fs::directory_iterator i(directory, error), end; !error && i != end; i.increment(error)) {
-        std::error_code ignored;
-        if (IsBundleName(i->path()) && !i->is_directory(ignored)) {
-            found.push_back({i->path(), SizeOf(i->path())});
-        }
-    }
-    if (error) {
-        throw CannotRead(directory, error, codes.failed);
-    }
-    if (found.empty()) {
-        throw Failure(codes.nothingFound, "there is no update bundle in " + directory.string());
-    }
-    std::sort(found.begin(), found.end(),
-              [](const Candidate& one, const Candidate& other) { return one.file < other.file; });
-    return found;
-}
-
-std::vector<Candidate> BundlesAt(const fs::path& path, const FetchCodes& codes) {
-    std::error_code error;
-    const fs::file_status status = fs::status(path, error);
-    if (!fs::exists(status)) {
-        throw CannotRead(path,
-                         error ? error : std::make_error_code(std::errc::no_such_file_or_directory),
-                         codes.failed);
-    }
-    if (fs::is_directory(status)) {
-        return BundlesIn(path, codes);
-    }
-    return {{path, SizeOf(path)}};
-}
 
 // What became of the bundles of one fetch.
 struct Outcome {
@@ -102,22 +44,21 @@ std::string SentenceOf(const Taken& taken) {
                                           : " has been taken in but is not valid: " + taken.faults);
 }
 
-Outcome TakeAllIn(Intake& intake, Operation& operation, const std::vector<Candidate>& candidates,
-                  std::ostream& notes) {
+Outcome TakeAllIn(BundleSource& source, const std::vector<Candidate>& candidates, Intake& intake,
+                  Operation& operation, std::ostream& notes) {
     std::uint64_t total = 0;
     for (const auto& candidate : candidates) {
         total += candidate.size;
     }
     Outcome outcome;
     std::uint64_t before = 0; // of the bundles that are done
-    for (const auto& candidate : candidates) {
-        const std::string text = "fetching " + candidate.file.filename().string();
+    for (std::size_t i = 0; i < candidates.size(); ++i) {
+        const std::string text = "fetching " + candidates[i].name;
         operation.Progress(before, total, text);
         try {
-            const Taken taken = intake.TakeIn(
-                candidate.file, candidate.file.string(), operation, [&](std::uint64_t done) {
-                    operation.Progress(std::min(before + done, total), total, text);
-                });
+            const Taken taken = source.Take(i, intake, operation, [&](std::uint64_t done) {
+                operation.Progress(std::min(before + done, total), total, text);
+            });
             outcome.taken.push_back(SentenceOf(taken));
             if (!taken.faults.empty()) {
                 notes << "patchkeeper: note: " << FieldText(outcome.taken.back()) << ".\n";
@@ -125,41 +66,46 @@ Outcome TakeAllIn(Intake& intake, Operation& operation, const std::vector<Candid
         } catch (const Refused& refused) {
             outcome.refused.emplace_back(refused.what());
         }
-        before += candidate.size;
+        before += candidates[i].size;
     }
     operation.Progress(total, total, "fetched");
     return outcome;
 }
 
-std::string Work(const State& state, Store& store, const Settings& settings, Operation& operation,
-                 const fs::path& path, const FetchCodes& codes, std::ostream& notes) {
-    const std::vector<Candidate> candidates = BundlesAt(path, codes);
-    Intake intake(state, store, settings);
-    const Outcome outcome = TakeAllIn(intake, operation, candidates, notes);
+std::string Work(BundleSource& source, Intake& intake, Operation& operation,
+                 const FetchCodes& codes, std::ostream& notes) {
+    const BundleSource::Found found = source.Find();
+    if (found.candidates.empty()) {
+        throw Failure(codes.nothingFound, "there is no update bundle in " + source.Name());
+    }
+    const Outcome outcome = TakeAllIn(source, found.candidates, intake, operation, notes);
     if (outcome.refused.empty()) {
         return Outcome::Joined(outcome.taken);
     }
     const std::string refused = Outcome::Joined(outcome.refused);
-    throw Failure(codes.failed, candidates.size() == 1
+    throw Failure(codes.failed, found.candidates.size() == 1
                                     ? refused
                                     : std::to_string(outcome.refused.size()) + " of " +
-                                          std::to_string(candidates.size()) +
+                                          std::to_string(found.candidates.size()) +
                                           " bundles could not be taken in: " + refused);
 }
 
-void Fetch(const State& state, const Settings& settings, const std::string& from,
+void Fetch(const State& state, const Settings& settings, BundleSource& source,
            const Messages& messages, const FetchCodes& codes) {
-    const fs::path path = fs::absolute(from);
     Store store = OrFailMark(state, [&] { return state.OpenOrMake(settings); });
     Operation operation = OrFailMark(state, [&] {
         return Operation(state, store, settings,
-                         {"fetch", "fetching from " + path.string(), "", ""}, messages.notes);
+                         {"fetch", "fetching from " + source.Name(), "", ""}, messages.notes);
     });
     ProgressBar bar(messages.out, messages.toPerson);
     operation.Watch([&](std::uint64_t done, std::uint64_t total) { bar.Show(done, total); });
     std::string result;
     try {
-        result = Work(state, store, settings, operation, path, codes, messages.notes);
+        Intake intake(state, store, settings);
+        result = Work(source, intake, operation, codes, messages.notes);
+    } catch (const Unavailable& unavailable) {
+        operation.FailQuietly(unavailable.what());
+        throw Failure(codes.failed, unavailable.what());
     } catch (const std::exception& error) {
         operation.FailQuietly(error.what());
         throw;
@@ -171,47 +117,84 @@ void Fetch(const State& state, const Settings& settings, const std::string& from
     }
 }
 
-int HexDigit(char letter) {
-    constexpr std::string_view digits = "0123456789abcdef";
-    const char lower =
-        letter >= 'A' && letter <= 'F' ? static_cast<char>(letter - 'A' + 'a') : letter;
-    const std::size_t value = digits.find(lower);
-    return value == std::string_view::npos ? -1 : static_cast<int>(value);
+void FetchFromHere(const State& state, const std::string& path, const Messages& messages,
+                   const FetchCodes& codes) {
+    const Settings settings = OrFailMark(state, [&] { return state.Settings(); });
+    LocalSource source(path);
+    Fetch(state, settings, source, messages, codes);
+}
+
+ExitCode CodeOf(Protocol protocol) {
+    switch (protocol) {
+    case Protocol::Ftp:
+        return ExitCode::FtpFailed;
+    case Protocol::Http:
+        return ExitCode::HttpFailed;
+    case Protocol::Https:
+        return ExitCode::HttpsFailed;
+    case Protocol::Smb:
+        return ExitCode::SambaFailed;
+    }
+    return ExitCode::General;
+}
+
+bool IsFileUrl(std::string_view url) {
+    return url.starts_with("file:");
 }
 
 } // namespace
 
 void FetchFromUsb(const State& state, const std::string& path, const Messages& messages) {
-    const Settings settings = OrFailMark(state, [&] { return state.Settings(); });
-    Fetch(state, settings, path, messages, {ExitCode::UsbFailed, ExitCode::NoLocalUpdatesFound});
+    FetchFromHere(state, path, messages, {ExitCode::UsbFailed, ExitCode::NoLocalUpdatesFound});
 }
 
 void FetchFromDisk(const State& state, const std::string& path, const Messages& messages) {
-    const Settings settings = OrFailMark(state, [&] { return state.Settings(); });
-    Fetch(state, settings, path, messages,
-          {ExitCode::DownloadFailed, ExitCode::NoLocalUpdatesFound});
+    FetchFromHere(state, path, messages, {ExitCode::DownloadFailed, ExitCode::NoLocalUpdatesFound});
 }
 
 void FetchFromElementManager(const State& state, const Messages& messages) {
     const Settings settings = OrFailMark(state, [&] { return state.Settings(); });
-    const std::string path = OrFailMark(state, [&] {
+    std::optional<Place> place;
+    std::unique_ptr<BundleSource> source;
+    OrFailMark(state, [&] {
         if (settings.emUrl.empty()) {
             throw Failure(ExitCode::DownloadFailed,
                           "em_url is not set in " + state.SettingsFile().string());
         }
-        return PathOfFileUrl(settings.emUrl);
+        try {
+            if (IsFileUrl(settings.emUrl)) {
+                source = std::make_unique<LocalSource>(PathOfFileUrl(settings.emUrl));
+            } else {
+                place = PlaceOfUrl(settings.emUrl);
+                source = std::make_unique<RemoteSource>(state, settings, *place);
+            }
+        } catch (const NoPlace& noPlace) { // the URL itself may hold a password
+            throw Failure(ExitCode::DownloadFailed, std::string("em_url: ") + noPlace.what());
+        }
     });
-    Fetch(state, settings, path, messages, {ExitCode::DownloadFailed, ExitCode::NoUpdatesFound});
+    Fetch(state, settings, *source, messages, {ExitCode::DownloadFailed, ExitCode::NoUpdatesFound});
+}
+
+void FetchFromServer(const State& state, Protocol protocol, const ServerWords& words,
+                     const Messages& messages) {
+    const ExitCode code = CodeOf(protocol);
+    try {
+        const Settings settings = OrFailMark(state, [&] { return state.Settings(); });
+        const Place place = OrFailMark(
+            state, [&] { return PlaceOf(protocol, words.address, words.credentials, words.path); });
+        RemoteSource source(state, settings, place);
+        Fetch(state, settings, source, messages, {code, ExitCode::NoUpdatesFound});
+    } catch (const NoPlace& noPlace) {
+        throw Failure(code, noPlace.what());
+    } catch (const StateProblem& problem) {
+        throw Failure(code, problem.what());
+    }
 }
 
 std::string PathOfFileUrl(const std::string& url) {
-    const Failure noPath(ExitCode::DownloadFailed,
-                         "em_url: '" + url +
-                             "' names no file or directory of this "
-                             "machine (file:///PATH), and nothing else is "
-                             "offered by this version");
+    const NoPlace noPath("a file: URL names a file or directory of this machine (file:///PATH)");
     std::string_view rest = url;
-    if (!rest.starts_with("file:")) {
+    if (!IsFileUrl(rest)) {
         throw noPath;
     }
     rest.remove_prefix(5);
@@ -223,26 +206,10 @@ std::string PathOfFileUrl(const std::string& url) {
         }
         rest.remove_prefix(host.size());
     }
-    std::string path;
-    while (!rest.empty()) {
-        char letter = rest.front();
-        std::size_t length = 1;
-        if (letter == '%') {
-            const int high = rest.size() > 2 ? HexDigit(rest[1]) : -1;
-            const int low = rest.size() > 2 ? HexDigit(rest[2]) : -1;
-            if (high < 0 || low < 0 || high + low == 0) {
-                throw noPath;
-            }
-            letter = static_cast<char>(high * 16 + low);
-            length = 3;
-        }
-        path += letter;
-        rest.remove_prefix(length);
-    }
-    if (path.empty() || path.front() != '/') {
+    if (!rest.starts_with('/')) {
         throw noPath;
     }
-    return path;
+    return WithoutPercents(std::string(rest));
 }
 
 } // namespace patchkeeper

@@ -6,6 +6,7 @@
 #include "patchkeeper/BundleStates.hpp"
 #include "patchkeeper/Failure.hpp"
 #include "patchkeeper/OperationLock.hpp"
+#include "patchkeeper/PartialCopy.hpp"
 #include "patchkeeper/Recovery.hpp"
 
 namespace patchkeeper {
@@ -50,6 +51,10 @@ void Prune(const State& state, std::ostream& out, std::ostream& notes) {
             Remove(state, store, bundle);
             out << bundle.name << ' ' << bundle.version << " has been removed (" << word << ").\n";
         }
+    }
+    if (const auto url = PartialCopy::UrlOf(state)) {
+        PartialCopy::Discard(state);
+        out << "What had been fetched of " << *url << " has been removed.\n";
     }
 }
 

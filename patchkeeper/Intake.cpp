@@ -151,14 +151,14 @@ std::string Joined(const std::vector<std::string>& faults) {
 
 // Calls a function of the bundle library for a copy; its failure is a refusal of the source.
 template <typename Call>
-auto AsRefusal(const fs::path& source, const fs::path& copy, Call call) {
+auto AsRefusal(const std::string& source, const fs::path& copy, Call call) {
     try {
         return call();
     } catch (const Failure& failure) {
         std::string reason = failure.what();
         const auto found = reason.find(copy.string());
         if (found != std::string::npos) {
-            reason.replace(found, copy.string().size(), source.string());
+            reason.replace(found, copy.string().size(), source);
         }
         throw Refused(reason);
     }
@@ -191,10 +191,16 @@ Intake::Intake(const State& state, Store& store, const Settings& settings)
     : state_(state), store_(store), settings_(settings), trust_(TrustOf(settings)) {
 }
 
-Taken Intake::TakeIn(const fs::path& source, const std::string& location,
-                     const Operation& operation, const CopyProgress& progress) {
+Taken Intake::TakeIn(const fs::path& source, const Operation& operation,
+                     const CopyProgress& progress) {
     const Draft draft(state_.BundleDirectory() / "incoming");
     Copy(source, draft.File(), settings_.sizeLimit, progress);
+    return TakeInDraft(draft.File(), source.string(), operation);
+}
+
+Taken Intake::TakeInDraft(const fs::path& file, const std::string& source,
+                          const Operation& operation) {
+    const Draft draft(file);
     const BundleLimits limits = LimitsOf(settings_);
     const Manifest manifest =
         AsRefusal(source, draft.File(), [&] { return ReadManifest(draft.File(), limits); });
@@ -205,7 +211,7 @@ Taken Intake::TakeIn(const fs::path& source, const std::string& location,
         const BundleStates states(store_, state_.BundleDirectory());
         if (states.Of(*held) != bundle_state::invalid) {
             if (!HaveSameContent(state_.BundleDirectory() / held->file, draft.File())) {
-                throw Refused(source.string() + " is " + manifest.name + ' ' + manifest.version +
+                throw Refused(source + " is " + manifest.name + ' ' + manifest.version +
                               ", which is held already with other content");
             }
             return {Taken::How::HeldAlready, manifest.name, manifest.version, ""};
@@ -214,7 +220,7 @@ Taken Intake::TakeIn(const fs::path& source, const std::string& location,
     }
     bundle.file = manifest.name + '@' + manifest.version + '.' +
                   std::to_string(operation.Number()) + ".tar.gz";
-    bundle.location = location;
+    bundle.location = source;
     bundle.takenIn = std::time(nullptr);
     bundle.faults = Joined(
         AsRefusal(source, draft.File(), [&] { return FaultsOf(draft.File(), trust_, limits); }));

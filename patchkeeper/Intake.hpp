@@ -43,11 +43,17 @@ public:
     // All three must outlive this object.
     Intake(const State& state, Store& store, const Settings& settings);
 
-    // `location` is what lists say about where it came from. A bundle whose manifest can be read is
-    // taken in even when its content has faults. One that is held already with the same content is
-    // left alone; one that is held and not usable is replaced. Throws Refused, and StateProblem.
-    Taken TakeIn(const std::filesystem::path& source, const std::string& location,
-                 const Operation& operation, const CopyProgress& progress);
+    // Copies a file of this machine and takes the copy in. Throws Refused, and StateProblem.
+    Taken TakeIn(const std::filesystem::path& source, const Operation& operation,
+                 const CopyProgress& progress);
+
+    // Takes in a file of the bundle directory, which is gone under its name afterwards, whatever
+    // happens. `source` is what lists and sentences say about where it came from. A bundle whose
+    // manifest can be read is taken in even when its content has faults. One that is held already
+    // with the same content is left alone; one that is held and not usable is replaced. Throws
+    // Refused, and StateProblem.
+    Taken TakeInDraft(const std::filesystem::path& file, const std::string& source,
+                      const Operation& operation);
 
 private:
     void Record(const Manifest& manifest, const HeldBundle& bundle,

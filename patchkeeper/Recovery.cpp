@@ -11,6 +11,7 @@
 
 #include "patchkeeper/Failure.hpp"
 #include "patchkeeper/OperationLock.hpp"
+#include "patchkeeper/PartialCopy.hpp"
 #include "patchkeeper/Restoration.hpp"
 
 namespace patchkeeper {
@@ -87,7 +88,8 @@ std::vector<fs::path> Unrecorded(const State& state, Store& store) {
         recorded.insert(bundle.file);
     }
     for (auto& file : FilesIn(state.BundleDirectory())) {
-        if (!recorded.contains(file.filename().string())) {
+        if (!recorded.contains(file.filename().string()) &&
+            !PartialCopy::IsPartOfOne(state, file)) {
             unrecorded.push_back(std::move(file));
         }
     }

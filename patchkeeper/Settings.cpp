@@ -122,6 +122,9 @@ Fault Set(Settings& settings, std::string_view item, std::string_view value, con
     if (item == "transfer_timeout") {
         return SetSeconds(settings.transferTimeout, value);
     }
+    if (item == "ca_file") {
+        return SetPath(settings.authorities, value, root);
+    }
     if (item == "apply_rate") {
         return SetBytes(settings.applyRate, value);
     }

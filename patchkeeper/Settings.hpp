@@ -14,8 +14,9 @@ struct Settings {
     std::string emUrl;                              // "" when not set
     std::uint64_t sizeLimit = 2ULL << 30U;          // bytes of one bundle, packed or unpacked
     std::chrono::seconds lockTimeout{10};           // how long a command waits for others
-    std::chrono::seconds connectTimeout{30};        // for a server to answer
+    std::chrono::seconds connectTimeout{30};        // for a connection to a server
     std::chrono::seconds transferTimeout{60};       // without a byte from a server
+    std::filesystem::path authorities;              // absolute; "" for those of the system
     std::uint64_t applyRate = 0;                    // bytes per second, 0 for no limit
     std::vector<std::filesystem::path> trustedKeys; // absolute
     bool allowUnsigned = false;

@@ -172,28 +172,6 @@ TEST(Program, WrongNumbersOfArgumentsAreUsageErrorsThatNameTheCommand) {
     }
 }
 
-TEST(Program, OperationsThatAreNotThereFailWithTheirCode) {
-    const struct {
-        const char* arguments;
-        int exitCode;
-    } rows[] = {
-        {"--ftp host user -password path", 11},       {"--http host user password path", 19},
-        {"--http host user password path false", 19}, {"--http host user password path true", 20},
-        {"--samba host user password path", 21},
-    };
-    for (const auto& row : rows) {
-        const TemporaryDirectory root;
-        const Result result =
-            Shell("PATCHKEEPER_ROOT=" + root.Path().string() + " patchkeeper " + row.arguments);
-        EXPECT_EQ(result.exitCode, row.exitCode) << row.arguments;
-        EXPECT_EQ(result.output, "") << row.arguments;
-        const std::string arguments = row.arguments;
-        EXPECT_EQ(result.errors, "patchkeeper: " + arguments.substr(0, arguments.find(' ')) +
-                                     " is not offered by this version.\n");
-        EXPECT_TRUE(std::filesystem::is_empty(root.Path())) << row.arguments;
-    }
-}
-
 TEST(Program, HelpAndVersionAreForAPerson) {
     const Result help = Shell("patchkeeper --help");
     EXPECT_EQ(help.exitCode, 0);
@@ -203,7 +181,7 @@ TEST(Program, HelpAndVersionAreForAPerson) {
           "--cache ", "--hd PATH", "forget NAME VERSION", "bundle DIR",
           "--apply NAME VERSION [COMPONENT...]", "--rback NAME VERSION",
           "--sched NAME VERSION DATE TIME", "--msched NAME VERSION", "--run-due",
-          "Not offered by this version: --ftp, --http, --samba.\n"}) {
+          "An empty USER logs in as nobody; PATH may begin with the port, as in :8080/x.\n"}) {
         EXPECT_THAT(help.output, HasSubstr(text));
     }
     const Result version = Shell("patchkeeper --version");

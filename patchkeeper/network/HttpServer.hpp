@@ -1,0 +1,24 @@
+#pragma once
+
+#include "patchkeeper/network/Transfer.hpp"
+
+namespace patchkeeper {
+
+// A file, or a page whose links lead to files. Of the links those count that stay on the server.
+class HttpServer : public Server {
+public:
+    HttpServer(const Place& place, const TransferSettings& settings);
+
+    Found Find() override;
+    void Read(const RemoteFile& file, std::uint64_t from, Receiver& receiver) override;
+
+private:
+    // Nothing when the server does not answer such questions.
+    RemoteFile Ask(const std::string& url, Answer& answer);
+    std::vector<RemoteFile> FilesOnPage(const std::string& url);
+
+    Transfer transfer_;
+    std::string url_;
+};
+
+} // namespace patchkeeper
