@@ -69,9 +69,11 @@ std::optional<std::uint64_t> SizeOf(const fs::path& file) {
     return static_cast<std::uint64_t>(status.st_size);
 }
 
-Refused TooLarge(const RemoteFile& file, std::uint64_t limit) {
-    return Refused(file.url + " has " + std::to_string(file.size) + " bytes, more than the " +
-                   std::to_string(limit) + " of size_limit");
+void RefuseTooLarge(const RemoteFile& file, std::uint64_t limit) {
+    if (limit != 0 && file.size > limit) {
+        throw Refused(file.url + " has " + std::to_string(file.size) + " bytes, more than the " +
+                      std::to_string(limit) + " of size_limit");
+    }
 }
 
 } // namespace
@@ -80,6 +82,7 @@ PartialCopy::PartialCopy(const State& state, const RemoteFile& file, std::uint64
                          CopyProgress progress)
     : state_(state), data_(DataFile(state)), limit_(limit), progress_(std::move(progress)),
       out_(-1) {
+    RefuseTooLarge(file, limit);
     const auto origin = ReadOrigin(state_);
     const auto size = SizeOf(data_);
     const bool isSame = origin && size && !file.version.empty() &&
@@ -101,9 +104,7 @@ PartialCopy::PartialCopy(const State& state, const RemoteFile& file, std::uint64
 void PartialCopy::StartAnew(const RemoteFile& file) {
     Discard();
     size_ = 0;
-    if (limit_ != 0 && file.size > limit_) {
-        throw TooLarge(file, limit_);
-    }
+    RefuseTooLarge(file, limit_);
     WriteOrigin(state_, file);
     out_ = Descriptor(
         open(data_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_APPEND | O_CLOEXEC | O_NOFOLLOW, 0644));

@@ -57,7 +57,10 @@ bool IsPage(const Answer& answer) {
 // What may be given back to the server to get the rest of the same content (RFC 9110, 13.1.5).
 std::string VersionOf(const Answer& answer) {
     const std::string tag = answer.Header("etag");
-    return tag.starts_with('"') ? tag : answer.Header("last-modified");
+    if (tag.empty()) {
+        return answer.Header("last-modified");
+    }
+    return tag.starts_with('"') ? tag : ""; // a weak one (W/) is not about every byte
 }
 
 RemoteFile FileOf(const std::string& url, const Answer& answer) {

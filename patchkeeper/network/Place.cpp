@@ -100,7 +100,11 @@ Place PlaceOf(Protocol protocol, const std::string& address, const Credentials& 
               const std::string& path) {
     RefuseControls(credentials);
     const std::string host = HostOf(address);
-    std::string_view rest = path;
+    std::string slashed = path;
+    if (protocol == Protocol::Smb) {
+        std::replace(slashed.begin(), slashed.end(), '\\', '/');
+    }
+    std::string_view rest = slashed;
     const std::string port = TakePort(rest);
     if (!port.empty() && rest.starts_with('/')) {
         rest.remove_prefix(1); // ends the port
@@ -109,16 +113,12 @@ Place PlaceOf(Protocol protocol, const std::string& address, const Credentials& 
         throw NoPlace("the path holds a control character");
     }
     const bool isHttp = protocol == Protocol::Http || protocol == Protocol::Https;
-    std::string file(rest);
-    if (protocol == Protocol::Smb) {
-        std::replace(file.begin(), file.end(), '\\', '/');
-    }
     if (protocol != Protocol::Ftp) {
-        file.erase(0, file.find_first_not_of('/'));
+        rest.remove_prefix(std::min(rest.find_first_not_of('/'), rest.size()));
     }
     return {protocol,
             std::string(SchemeOf(protocol)) + "://" + host + port + '/' +
-                WithPercents(file, isHttp ? reserved : "/"),
+                WithPercents(rest, isHttp ? reserved : "/"),
             credentials};
 }
 

@@ -38,9 +38,14 @@ protected:
     }
     void KillServer() { server_->Kill(); }
 
-    // A bundle that takes a server which is made slow some seconds.
-    std::filesystem::path ServeLargeBundle(const std::string& name = "large.tar.gz") const {
-        return MakeTestBundle(Served() / name, {.text = Noise(600'000)});
+    // A bundle that takes a server which is made slow some seconds. It is an hour old: of a file
+    // that has just been written a server does not say for certain that it is the same.
+    std::filesystem::path ServeLargeBundle(const std::string& name = "large.tar.gz",
+                                           std::size_t size = 600'000) const {
+        const auto file = MakeTestBundle(Served() / name, {.text = Noise(size)});
+        std::filesystem::last_write_time(file, std::filesystem::file_time_type::clock::now() -
+                                                   std::chrono::hours(1));
+        return file;
     }
 
     void ExpectFailure(const std::string& arguments, int code, const std::string& sentence) const {

@@ -1,9 +1,10 @@
 """An FTP server on port 2121 for the tests: the fetcher may log in, and anybody as anonymous."""
 
 import argparse
+import time
 
 from pyftpdlib.authorizers import DummyAuthorizer
-from pyftpdlib.handlers import FTPHandler, ThrottledDTPHandler
+from pyftpdlib.handlers import DTPHandler, FTPHandler
 from pyftpdlib.servers import FTPServer
 
 
@@ -15,8 +16,16 @@ def main():
     parser.add_argument("--rate", type=int, default=0, help="bytes per second")
     options = parser.parse_args()
 
-    class Data(ThrottledDTPHandler):
-        write_limit = options.rate
+    class Data(DTPHandler):
+        ac_out_buffer_size = 16384
+
+        def use_sendfile(self):
+            return False
+
+        def send(self, data):
+            if options.rate:
+                time.sleep(len(data) / options.rate)
+            return super().send(data)
 
     class Handler(FTPHandler):
         authorizer = DummyAuthorizer()

@@ -93,6 +93,7 @@ TEST_F(Ftp, WrongPasswordIsRefused) {
 
 TEST_F(Ftp, ControlCharacterInThePasswordReachesNobody) {
     StartServer();
+    Output("--setinprogress");
     ExpectFailure("--ftp 127.0.0.1 fetcher \"$(printf 'x\\r\\nDELE y')\" :2121/a.tar.gz", 11,
                   "the user name or the password holds a control character");
     EXPECT_EQ(Log(), "");

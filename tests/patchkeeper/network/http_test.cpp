@@ -290,6 +290,7 @@ TEST_F(Http, LargerThanTheLimitIsRefusedBeforeItIsFetched) {
                   "http://127.0.0.1:8080/large.tar.gz has " +
                       std::to_string(fs::file_size(bundle)) +
                       " bytes, more than the 1000 of size_limit");
+    EXPECT_THAT(Log(), Not(HasSubstr("GET ")));
     EXPECT_TRUE(fs::is_empty(Root() / "bundles"));
 }
 
