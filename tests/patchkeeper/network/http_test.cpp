@@ -1,5 +1,6 @@
 // Fetches from an HTTP server, and from an HTTPS server.
 
+#include <fstream>
 #include <string>
 
 #include <gmock/gmock.h>
@@ -34,6 +35,7 @@ LoadModule alias_module /usr/lib/apache2/modules/mod_alias.so
 LoadModule dir_module /usr/lib/apache2/modules/mod_dir.so
 LoadModule autoindex_module /usr/lib/apache2/modules/mod_autoindex.so
 LoadModule mime_module /usr/lib/apache2/modules/mod_mime.so
+LoadModule rewrite_module /usr/lib/apache2/modules/mod_rewrite.so
 LoadModule env_module /usr/lib/apache2/modules/mod_env.so
 LoadModule ratelimit_module /usr/lib/apache2/modules/mod_ratelimit.so
 LoadModule socache_shmcb_module /usr/lib/apache2/modules/mod_socache_shmcb.so
@@ -60,11 +62,9 @@ AddType text/html .html
   SetOutputFilter RATE_LIMIT
   SetEnv rate-limit 200
 </Location>
-<Location "/only-get">
-  <LimitExcept GET>
-    Require all denied
-  </LimitExcept>
-</Location>
+RewriteEngine on
+RewriteCond %{REQUEST_METHOD} HEAD
+RewriteRule ^/only-get - [R=405]
 Redirect /moved http://127.0.0.1:8080/updates
 Redirect /to-tls https://127.0.0.1:8443/updates
 Redirect /to-plain http://127.0.0.1:8080/updates
@@ -188,6 +188,21 @@ TEST_F(Http, FileThatIsNoBundleIsRefusedAndNothingIsKept) {
     EXPECT_TRUE(fs::is_empty(Root() / "bundles"));
 }
 
+TEST_F(Http, ServerThatAnswersNoQuestionsIsFetchedFromToo) {
+    MakeTestBundle(Served() / "only-get/a.tar.gz", {.name = "first"});
+    const auto large = ServeLargeBundle("only-get/large");
+    StartServer();
+    EXPECT_EQ(Output(AsNobody(":8080/only-get/")), "");
+    EXPECT_EQ(Output(AsNobody(":8080/only-get/large")), "");
+    EXPECT_EQ(Output("--cache"), "first\t1.0\tA demo\t6\t-\tAvailable\n"
+                                 "demo\t1.0\tA demo\t600000\t-\tAvailable\n");
+    directory_.Write("root/patchkeeper.conf", "allow_unsigned = true\nsize_limit = 1000\n");
+    ExpectFailure(AsNobody(":8080/only-get/large"), 19,
+                  "http://127.0.0.1:8080/only-get/large has " +
+                      std::to_string(fs::file_size(large)) +
+                      " bytes, more than the 1000 of size_limit");
+}
+
 TEST_F(Http, RedirectIsFollowedWithinTheProtocolOnly) {
     const auto bundle = MakeTestBundle(Served() / "updates/a.tar.gz");
     TrustServer();
@@ -242,6 +257,22 @@ TEST_F(Http, FetchThatWasCutOffIsContinued) {
         {"--http", "127.0.0.1", "", "", ":8080/slow/large.tar.gz"}, 19, [&] { StartServer(); });
     EXPECT_THAT(
         Log(), HasSubstr("GET /slow/large.tar.gz 206 range=bytes=" + std::to_string(left) + "-\n"));
+    ExpectHeld(bundle);
+}
+
+TEST_F(Http, ContinuedCopyThatTurnsOutBadIsFetchedAnew) {
+    const auto bundle = ServeLargeBundle("slow/large.tar.gz");
+    bool isSecond = false;
+    CutOffAndFetchAgain({"--http", "127.0.0.1", "", "", ":8080/slow/large.tar.gz"}, 19, [&] {
+        if (isSecond) { // as when the machine has lost some of it
+            std::fstream(Partial(), std::ios::in | std::ios::out | std::ios::binary)
+                .seekp(100'000)
+                .write("lost", 4);
+        }
+        StartServer();
+        isSecond = true;
+    });
+    EXPECT_THAT(Log(), testing::ContainsRegex("GET [^ ]* 206 .*\nGET [^ ]* 200 range=-\n"));
     ExpectHeld(bundle);
 }
 

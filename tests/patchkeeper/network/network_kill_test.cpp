@@ -1,0 +1,69 @@
+// A fetch from a server killed at each call that changes something. After every kill the next fetch
+// of the same has the bundle, and nothing else is left.
+
+#include <filesystem>
+#include <iostream>
+#include <string>
+
+#include <gmock/gmock.h>
+
+#include "patchkeeper/network/OnNetwork.hpp"
+
+namespace {
+
+namespace fs = std::filesystem;
+using patchkeeper_test::goodPassword;
+using patchkeeper_test::Result;
+
+constexpr int killed = 128 + SIGKILL;
+constexpr int mostPoints = 2'000;
+
+class NetworkKill : public patchkeeper_test::OnNetwork {
+protected:
+    void StartServer() {
+        Start({"/usr/bin/python3", TEST_DATA_DIRECTORY "/ftp_server.py", Served().string(),
+               goodPassword, At("requests.log").string()},
+              2121);
+    }
+    Result RunAndKill(const std::string& command, int point) const {
+        return InShell("export ASAN_OPTIONS=\"$ASAN_OPTIONS:verify_asan_link_order=0\"; "
+                       "export KILL_POINT=" +
+                       std::to_string(point) + " LD_PRELOAD=" KILL_POINTS_LIBRARY "; patchkeeper " +
+                       command);
+    }
+};
+
+TEST_F(NetworkKill, FetchIsContinuedAfterEveryKill) {
+    fs::create_directories(Served() / "public");
+    const auto bundle = ServeLargeBundle("public/large.tar.gz", 200'000);
+    StartServer();
+    const std::string command = "--ftp 127.0.0.1 '' '' :2121/large.tar.gz";
+    Output("prune"); // makes the database
+    fs::copy(Root(), At("empty"), fs::copy_options::recursive);
+    int points = 0;
+    int continued = 0;
+    for (int point = 1; point < mostPoints; ++point) {
+        SCOPED_TRACE("killed at call " + std::to_string(point));
+        fs::remove_all(Root());
+        fs::copy(At("empty"), Root(), fs::copy_options::recursive);
+        const Result result = RunAndKill(command, point);
+        if (result.exitCode != killed) {
+            EXPECT_EQ(result.exitCode, 0) << result.errors;
+            break;
+        }
+        ++points;
+        std::error_code none;
+        continued += fs::file_size(Partial(), none) > 0 && !none ? 1 : 0;
+        const Result again = Run(command);
+        ASSERT_EQ(again.exitCode, 0) << again.errors;
+        ASSERT_NO_FATAL_FAILURE(ExpectHeld(bundle));
+        if (HasFailure()) {
+            break; // the next ones fail for the same reason
+        }
+    }
+    std::cout << points << " kill points, a partial copy behind " << continued << " of them\n";
+    EXPECT_GE(points, 60);
+    EXPECT_GE(continued, 5);
+}
+
+} // namespace
