@@ -141,6 +141,15 @@ void RefuseAmbiguous(Store& store, const Manifest& manifest) {
     }
 }
 
+// One operation may take in the same update twice, a bad copy and then a good one.
+std::string FreeName(const fs::path& directory, const std::string& stem) {
+    std::string name = stem + ".tar.gz";
+    for (int i = 2; fs::exists(fs::symlink_status(directory / name)); ++i) {
+        name = stem + '.' + std::to_string(i) + ".tar.gz";
+    }
+    return name;
+}
+
 std::string Joined(const std::vector<std::string>& faults) {
     std::string text;
     for (const auto& fault : faults) {
@@ -218,8 +227,8 @@ Taken Intake::TakeInDraft(const fs::path& file, const std::string& source,
         }
         bundle.id = held->id;
     }
-    bundle.file = manifest.name + '@' + manifest.version + '.' +
-                  std::to_string(operation.Number()) + ".tar.gz";
+    bundle.file = FreeName(state_.BundleDirectory(), manifest.name + '@' + manifest.version + '.' +
+                                                         std::to_string(operation.Number()));
     bundle.location = source;
     bundle.takenIn = std::time(nullptr);
     bundle.faults = Joined(

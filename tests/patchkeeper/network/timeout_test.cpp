@@ -20,17 +20,18 @@ using patchkeeper::Descriptor;
 
 constexpr std::uint16_t port = 7777;
 
-// Listens, but takes no connection. The system connects the first ones by itself.
+// Listens, but takes no connection. The system connects by itself as many as the queue has room
+// for.
 class MuteServer {
 public:
-    MuteServer() : listening_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+    explicit MuteServer(int queue) : listening_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
         const sockaddr address = Address();
         if (bind(listening_.Number(), &address, sizeof address) != 0 ||
-            listen(listening_.Number(), 0) != 0) {
+            listen(listening_.Number(), queue) != 0) {
             throw std::runtime_error("the port cannot be listened on");
         }
     }
-    // After this the system connects nobody any longer, and does not tell them.
+    // After this the system connects nobody any longer, and does not tell them: of a queue for 0.
     void FillQueue() {
         for (int i = 0; i < 8; ++i) {
             waiting_.emplace_back(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
@@ -84,12 +85,12 @@ protected:
 };
 
 TEST_F(Timeout, ServerThatSaysNothingIsGivenUp) {
-    const MuteServer server;
+    const MuteServer server(100);
     ExpectFailuresWithin("transfer_timeout", "connect_timeout");
 }
 
 TEST_F(Timeout, ServerThatTakesNoConnectionIsGivenUp) {
-    MuteServer server;
+    MuteServer server(0);
     server.FillQueue();
     ExpectFailuresWithin("connect_timeout", "transfer_timeout");
 }
