@@ -59,18 +59,17 @@ struct Row {
     const char* command;
     int code;
 };
-constexpr Row rows[] = {
-    {"--ftp 127.0.0.1 '' '' :7777/share/a.tar.gz", 11},
-    {"--http 127.0.0.1 '' '' :7777/share/a.tar.gz", 19},
-    {"--http 127.0.0.1 '' '' :7777/share/a.tar.gz true", 20},
-    {"--samba 127.0.0.1 '' '' :7777/share/a.tar.gz", 21},
-};
+constexpr Row ftp = {"--ftp 127.0.0.1 '' '' :7777/share/a.tar.gz", 11};
+constexpr Row http = {"--http 127.0.0.1 '' '' :7777/share/a.tar.gz", 19};
+constexpr Row https = {"--http 127.0.0.1 '' '' :7777/share/a.tar.gz true", 20};
+constexpr Row smb = {"--samba 127.0.0.1 '' '' :7777/share/a.tar.gz", 21};
 
 class Timeout : public patchkeeper_test::OnNetwork {
 protected:
     // Ends each fetch after about a second: longer than that, but not as long as the other setting
     // would have it.
-    void ExpectFailuresWithin(const std::string& setting, const std::string& other) const {
+    void ExpectFailuresWithin(const std::vector<Row>& rows, const std::string& setting,
+                              const std::string& other) const {
         directory_.Write("root/patchkeeper.conf", setting + " = 1\n" + other + " = 60\n");
         for (const Row& row : rows) {
             const auto begin = std::chrono::steady_clock::now();
@@ -86,13 +85,18 @@ protected:
 
 TEST_F(Timeout, ServerThatSaysNothingIsGivenUp) {
     const MuteServer server(100);
-    ExpectFailuresWithin("transfer_timeout", "connect_timeout");
+    ExpectFailuresWithin({ftp, http, smb}, "transfer_timeout", "connect_timeout");
+}
+
+TEST_F(Timeout, AgreeingOnEncryptionIsPartOfConnecting) {
+    const MuteServer server(100);
+    ExpectFailuresWithin({https}, "connect_timeout", "transfer_timeout");
 }
 
 TEST_F(Timeout, ServerThatTakesNoConnectionIsGivenUp) {
     MuteServer server(0);
     server.FillQueue();
-    ExpectFailuresWithin("connect_timeout", "transfer_timeout");
+    ExpectFailuresWithin({ftp, http, https, smb}, "connect_timeout", "transfer_timeout");
 }
 
 } // namespace
