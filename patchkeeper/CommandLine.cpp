@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstring>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -200,13 +201,22 @@ ExitCode RunAndFlush(const Arguments& arguments, const Output& output) {
 
 } // namespace
 
-int RunCommand(int argumentCount, const char* const* arguments, std::ostream& out,
-               std::ostream& err) {
+Arguments TakeArguments(int argumentCount, char* const* arguments) {
+    Arguments taken(arguments + std::min(argumentCount, 1), arguments + argumentCount);
+    for (const auto& command : Commands()) {
+        if (!taken.empty() && HasName(command, taken[0]) && command.password != 0 &&
+            command.password < taken.size()) {
+            char* const password = arguments[1 + command.password];
+            std::fill_n(password, std::strlen(password), '\0');
+        }
+    }
+    return taken;
+}
+
+int RunCommand(const Arguments& arguments, std::ostream& out, std::ostream& err) {
     const bool toPerson = isatty(STDOUT_FILENO) != 0 && isatty(STDERR_FILENO) != 0;
     try {
-        return static_cast<int>(RunAndFlush(
-            Arguments(arguments + std::min(argumentCount, 1), arguments + argumentCount),
-            {out, err, toPerson}));
+        return static_cast<int>(RunAndFlush(arguments, {out, err, toPerson}));
     } catch (const Failure& failure) {
         out.flush();
         err << "patchkeeper: " << FieldText(failure.what())

@@ -41,6 +41,7 @@ struct Command {
     ExitCode code; // for failures that have no code of their own
     std::string_view help;
     ExitCode (*run)(const CommandContext& context, const Arguments& arguments);
+    std::size_t password = 0; // which argument is one, counted from 1; 0 for none
 };
 
 std::span<const Command> Commands();

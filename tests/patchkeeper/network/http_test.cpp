@@ -115,6 +115,7 @@ protected:
 TEST_F(Http, BundleIsFetchedByNobody) {
     const auto bundle = MakeTestBundle(Served() / "updates/a b.tar.gz");
     StartServer();
+    Output("--setinprogress");
     EXPECT_EQ(Output(AsNobody(":8080/updates/a b.tar.gz") + " false"), "");
     ExpectHeld(bundle);
     const std::string bytes = std::to_string(fs::file_size(bundle));
@@ -249,6 +250,45 @@ TEST_F(Http, ProgressOfASlowServerIsSeen) {
     EXPECT_GE(PercentsOf(fetch).size(), 5U);
     EXPECT_EQ(fetch.Wait(), 0);
     ExpectHeld(bundle);
+}
+
+TEST_F(Http, PasswordIsOnNobodysCommandLineWhileItFetches) {
+    constexpr const char* password = "in this test only"; // others may run meanwhile
+    ServeLargeBundle("slow/watched.tar.gz");
+    StartServer();
+    patchkeeper_test::Running fetch(
+        Root(), {"--http", "127.0.0.1", "fetcher", password, ":8080/slow/watched.tar.gz"});
+    WaitUntilSomeIsThere(fetch);
+    int seen = 0;
+    for (const auto& process : fs::directory_iterator("/proc")) {
+        const std::string words = patchkeeper_test::Contents(process.path() / "cmdline");
+        EXPECT_THAT(words, Not(HasSubstr(password))) << process.path();
+        seen += words.find(":8080/slow/watched.tar.gz") != std::string::npos ? 1 : 0;
+    }
+    EXPECT_EQ(seen, 1);
+    EXPECT_EQ(fetch.Wait(), 0);
+}
+
+TEST_F(Http, FullDiskKeepsNothing) {
+    const auto bundle = ServeLargeBundle();
+    StartServer();
+    Output("prune"); // makes the database
+    const auto result = InShell("ulimit -f 200; patchkeeper " + AsNobody(":8080/large.tar.gz"));
+    EXPECT_EQ(result.exitCode, 19);
+    EXPECT_EQ(result.errors,
+              "patchkeeper: " + Partial().string() + " cannot be written: File too large.\n");
+    EXPECT_TRUE(fs::is_empty(Root() / "bundles"));
+    EXPECT_EQ(Output(AsNobody(":8080/large.tar.gz")), "");
+    ExpectHeld(bundle);
+}
+
+TEST_F(Http, ProgramWithoutTheNetworkModuleSaysSo) {
+    fs::create_directory(At("bin"));
+    fs::copy_file(PATCHKEEPER_PROGRAM, At("bin/alone"));
+    const auto result = InShell(At("bin/alone").string() + " " + AsNobody("a.tar.gz"));
+    EXPECT_EQ(result.exitCode, 19);
+    EXPECT_THAT(result.errors, StartsWith("patchkeeper: the network libraries cannot be loaded: "
+                                          "libpatchkeeper_network.so"));
 }
 
 TEST_F(Http, FetchThatWasCutOffIsContinued) {
