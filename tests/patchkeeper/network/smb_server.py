@@ -14,15 +14,16 @@ def main():
     parser.add_argument("password")
     parser.add_argument("log", help="a line for each read with its position")
     parser.add_argument("--pause", type=float, default=0, help="seconds before each read")
+    parser.add_argument("--for-all", action="store_true", help="anybody may read")
     options = parser.parse_args()
 
     server = SimpleSMBServer(listenAddress="127.0.0.1", listenPort=4455)
     server.setSMB2Support(True)
     server.setSMBChallenge("")
     server.addShare("UPDATES", options.directory)
-    server.addCredential(
-        "fetcher", 0, compute_lmhash(options.password), compute_nthash(options.password)
-    )
+    if not options.for_all:
+        hashes = compute_lmhash(options.password), compute_nthash(options.password)
+        server.addCredential("fetcher", 0, *hashes)
     inner = server._SimpleSMBServer__server  # only this one lets commands be watched
     read = None
 

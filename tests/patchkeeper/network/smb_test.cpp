@@ -1,6 +1,7 @@
 // Fetches from a file share.
 
 #include <string>
+#include <vector>
 
 #include <gmock/gmock.h>
 
@@ -21,10 +22,16 @@ constexpr const char* notAccepted =
 
 class Smb : public patchkeeper_test::OnNetwork {
 protected:
-    void StartServer(const std::string& pause = "0") {
-        Start({"/usr/bin/python3", TEST_DATA_DIRECTORY "/smb_server.py", Served().string(),
-               goodPassword, At("requests.log").string(), "--pause", pause},
-              port);
+    void StartServer(const std::string& pause = "0", const std::vector<std::string>& more = {}) {
+        std::vector<std::string> command = {"/usr/bin/python3",
+                                            TEST_DATA_DIRECTORY "/smb_server.py",
+                                            Served().string(),
+                                            goodPassword,
+                                            At("requests.log").string(),
+                                            "--pause",
+                                            pause};
+        command.insert(command.end(), more.begin(), more.end());
+        Start(command, port);
     }
     static std::string AsFetcher(const std::string& path) {
         return "--samba 127.0.0.1 fetcher '" + std::string(goodPassword) + "' '" + path + "'";
@@ -38,6 +45,13 @@ TEST_F(Smb, BundleIsFetchedWithCredentials) {
     ExpectHeld(bundle);
     EXPECT_THAT(Output("--status"), StartsWith("2\t100 %, "));
     ExpectNoPassword();
+}
+
+TEST_F(Smb, BundleIsFetchedByNobody) {
+    const auto bundle = MakeTestBundle(Served() / "a.tar.gz");
+    StartServer("0", {"--for-all"});
+    EXPECT_EQ(Output("--samba 127.0.0.1 '' '' :4455/UPDATES/a.tar.gz"), "");
+    ExpectHeld(bundle);
 }
 
 TEST_F(Smb, PathMayHaveBackslashesAndTheUserADomain) {
