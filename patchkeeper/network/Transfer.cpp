@@ -112,8 +112,7 @@ void Transfer::SetUp(const Place& place, const TransferSettings& settings) {
     curl_easy_setopt(handle, CURLOPT_NOSIGNAL, 1L);
     curl_easy_setopt(handle, CURLOPT_NOPROXY, "*");
     curl_easy_setopt(handle, CURLOPT_NETRC, static_cast<long>(CURL_NETRC_IGNORED));
-    curl_easy_setopt(handle, CURLOPT_PROTOCOLS_STR, protocol_.c_str());
-    curl_easy_setopt(handle, CURLOPT_REDIR_PROTOCOLS_STR, protocol_.c_str());
+    curl_easy_setopt(handle, CURLOPT_PROTOCOLS_STR, protocol_.c_str()); // of redirects too
     curl_easy_setopt(handle, CURLOPT_FOLLOWLOCATION, 1L);
     curl_easy_setopt(handle, CURLOPT_MAXREDIRS, mostRedirects);
     curl_easy_setopt(handle, CURLOPT_CONNECTTIMEOUT, Seconds(settings.connectTimeout));

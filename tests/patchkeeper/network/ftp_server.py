@@ -1,6 +1,7 @@
 """An FTP server on port 2121 for the tests: the fetcher may log in, and anybody as anonymous."""
 
 import argparse
+import os
 import time
 
 from pyftpdlib.authorizers import DummyAuthorizer
@@ -14,6 +15,7 @@ def main():
     parser.add_argument("password")
     parser.add_argument("log", help="a line for each command but the password")
     parser.add_argument("--rate", type=int, default=0, help="bytes per second")
+    parser.add_argument("--restless", action="store_true", help="a file changes once it is looked at")
     options = parser.parse_args()
 
     class Data(DTPHandler):
@@ -37,6 +39,12 @@ def main():
                 with open(options.log, "a", encoding="utf-8") as log:
                     log.write(line + "\n")
             super().pre_process_command(line, cmd, arg)
+
+        def ftp_MDTM(self, path):
+            answer = super().ftp_MDTM(path)
+            if options.restless:
+                os.utime(path)
+            return answer
 
     Handler.authorizer.add_user("fetcher", options.password, options.directory)
     Handler.authorizer.add_anonymous(options.directory + "/public")

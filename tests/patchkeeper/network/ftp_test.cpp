@@ -1,6 +1,7 @@
 // Fetches from an FTP server.
 
 #include <string>
+#include <vector>
 
 #include <gmock/gmock.h>
 
@@ -20,10 +21,13 @@ class Ftp : public patchkeeper_test::OnNetwork {
 protected:
     Ftp() { fs::create_directories(Served() / "public"); }
 
-    void StartServer(long rate = 0) {
-        Start({"/usr/bin/python3", TEST_DATA_DIRECTORY "/ftp_server.py", Served().string(),
-               goodPassword, At("requests.log").string(), "--rate", std::to_string(rate)},
-              port);
+    void StartServer(long rate = 0, const std::vector<std::string>& more = {}) {
+        std::vector<std::string> command = {
+            "/usr/bin/python3",  TEST_DATA_DIRECTORY "/ftp_server.py", Served().string(),
+            goodPassword,        At("requests.log").string(),          "--rate",
+            std::to_string(rate)};
+        command.insert(command.end(), more.begin(), more.end());
+        Start(command, port);
     }
     static std::string AsFetcher(const std::string& path) {
         return "--ftp 127.0.0.1 fetcher '" + std::string(goodPassword) + "' '" + path + "'";
@@ -141,6 +145,19 @@ TEST_F(Ftp, ChangedFileIsFetchedAnew) {
         });
     EXPECT_THAT(Log(), testing::Not(testing::ContainsRegex("REST [1-9]")));
     ExpectHeld(Served() / "large.tar.gz");
+}
+
+TEST_F(Ftp, FileThatChangesWhileItIsLookedForIsFetchedAnew) {
+    const auto bundle = ServeLargeBundle();
+    bool isSecond = false;
+    CutOffAndFetchAgain(
+        {"--ftp", "127.0.0.1", "fetcher", goodPassword, ":2121/large.tar.gz"}, 11, [&] {
+            StartServer(isSecond ? 0 : 300'000, isSecond ? std::vector<std::string>{"--restless"}
+                                                         : std::vector<std::string>{});
+            isSecond = true;
+        });
+    EXPECT_THAT(Log(), testing::Not(testing::ContainsRegex("REST [1-9]")));
+    ExpectHeld(bundle);
 }
 
 TEST_F(Ftp, LargerThanTheLimitIsRefusedBeforeItIsFetched) {
