@@ -20,7 +20,11 @@ namespace patchkeeper_test {
 // For a process with one thread.
 class OwnNetwork {
 public:
-    OwnNetwork() {
+    // Once for all tests of the process.
+    OwnNetwork() { [[maybe_unused]] static const bool isThere = Enter(); }
+
+private:
+    static bool Enter() {
         const auto user = std::to_string(geteuid());
         if (unshare(CLONE_NEWUSER | CLONE_NEWNET) != 0) {
             Fail("there is no network of its own for this test");
@@ -28,9 +32,8 @@ public:
         // Not root in there either: servers started by root want to become somebody else.
         Write("/proc/self/uid_map", "1000 " + user + " 1");
         BringUpLoopback();
+        return true;
     }
-
-private:
     [[noreturn]] static void Fail(const char* what) {
         throw std::system_error(errno, std::generic_category(), what);
     }
