@@ -1,6 +1,8 @@
 #include "patchkeeper/network/FtpServer.hpp"
 
+#include <algorithm>
 #include <set>
+#include <utility>
 
 #include "patchkeeper/BundleName.hpp"
 #include "patchkeeper/network/RemoteNames.hpp"

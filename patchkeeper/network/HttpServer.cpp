@@ -1,10 +1,10 @@
 #include "patchkeeper/network/HttpServer.hpp"
 
-#include <algorithm>
 #include <charconv>
 #include <optional>
 #include <set>
 #include <system_error>
+#include <utility>
 
 #include "patchkeeper/network/Links.hpp"
 #include "patchkeeper/network/RemoteNames.hpp"

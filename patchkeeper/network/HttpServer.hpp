@@ -13,7 +13,8 @@ public:
     void Read(const RemoteFile& file, std::uint64_t from, Receiver& receiver) override;
 
 private:
-    // Nothing when the server does not answer such questions.
+    // Of a server that does not answer such questions only the name is known. Throws FileFailed
+    // for every other status than 200.
     RemoteFile Ask(const std::string& url, Answer& answer);
     std::vector<RemoteFile> FilesOnPage(const std::string& url);
 

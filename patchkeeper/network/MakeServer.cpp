@@ -1,3 +1,5 @@
+#include <memory>
+
 #include "patchkeeper/network/FtpServer.hpp"
 #include "patchkeeper/network/HttpServer.hpp"
 #include "patchkeeper/network/Module.hpp"

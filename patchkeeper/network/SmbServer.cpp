@@ -1,12 +1,14 @@
 #include "patchkeeper/network/SmbServer.hpp"
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <set>
 #include <string_view>
 #include <system_error>
+#include <utility>
+#include <vector>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 
 #include "patchkeeper/BundleName.hpp"

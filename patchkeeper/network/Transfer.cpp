@@ -2,6 +2,8 @@
 
 #include <array>
 #include <charconv>
+#include <exception>
+#include <utility>
 
 namespace patchkeeper {
 
