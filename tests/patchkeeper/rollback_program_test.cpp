@@ -282,6 +282,31 @@ TEST_F(RollBack, WhatCannotBeUndoneNowIsTriedAgainByEveryCommand) {
     ExpectNoLeftovers();
 }
 
+TEST_F(RollBack, WhatStopsHalfWayIsFinishedByTheNextCommand) {
+    Put("data", patchkeeper_test::Noise(200'000));
+    Put("etc/demo.conf", "old\n");
+    const Tree before = Files();
+    Take({.files = {{"files/data", "new\n"}, {"files/etc/demo.conf", "new\n"}}});
+    EXPECT_EQ(Output("--apply demo 1.0"), "");
+    directory_.Write("root/patchkeeper.conf", "allow_unsigned = true\napply_rate = 100K\n");
+    Running rollBack(Root(), {"--rback", "demo", "1.0"});
+    while (Output("--status").find(": rolling back") == std::string::npos) {
+        ASSERT_TRUE(rollBack.IsRunning());
+    }
+    // While the old content is being written beside its place, something comes into that place.
+    fs::remove(Target() / "data");
+    Put("data/in the way", "x");
+    EXPECT_EQ(rollBack.Wait(), 16);
+    EXPECT_THAT(Output("--status"),
+                EndsWith("; the next command that changes something finishes the roll-back\n"));
+    fs::remove_all(Target() / "data");
+    const Result next = Run("prune");
+    EXPECT_EQ(next.exitCode, 0);
+    EXPECT_THAT(next.errors, HasSubstr("the interrupted roll-back of demo 1.0 has been finished"));
+    EXPECT_EQ(Files(), before);
+    EXPECT_EQ(Output("--hist"), "");
+}
+
 TEST_F(RollBack, NextCommandUndoesAKilledApplyAndSaysSo) {
     Put("data", "old\n");
     const Tree before = Files();
