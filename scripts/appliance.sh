@@ -1,4 +1,4 @@
-# shellcheck shell=bash
+# shellcheck shell=bash disable=SC2034,SC2154 # its variables are shared with the scripts that source it
 # What demo and serve have in common, to be sourced: an appliance with updates to fetch, and the server.
 # Everything stands below the directory $appliance, which the caller names; the tool's state in PATCHKEEPER_ROOT.
 

@@ -15,7 +15,7 @@ std::string LastPart(const std::string& url) {
 } // namespace
 
 std::string RemoteName(const std::string& url) {
-    const std::string name = LastPart(url);
+    std::string name = LastPart(url);
     try {
         return name.empty() ? url : WithoutPercents(name);
     } catch (const NoPlace&) {
