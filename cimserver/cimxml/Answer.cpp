@@ -31,6 +31,7 @@ void AnswerCall(const MethodCall& call, const Message& message, operations::Exec
     try {
         operations::Request request = ReadRequest(call);
         request.user = message.user;
+        request.mayChange = message.mayChange;
         writer.Begin(FrameOf(request.call));
         executor.Execute(request, writer);
         writer.Finish();

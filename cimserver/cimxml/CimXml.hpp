@@ -18,7 +18,8 @@ struct Message {
     std::string method; ///< POST or M-POST
     HeaderList headers;
     std::string_view body;
-    std::string user; ///< empty: anonymous
+    std::string user;       ///< empty: anonymous
+    bool mayChange = false; ///< what operations::Request says of it
 };
 
 /// What the transport sends before the text.

@@ -2,6 +2,7 @@
 // Knows nothing of XML or CIM.
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -18,12 +19,14 @@ struct Header {
     std::string value;
 };
 
+/// No Authorization header is among the headers: what it says is `user`.
 struct Request {
     std::string method;
     std::string target;
     std::vector<Header> headers;
     std::string body;
     std::string clientAddress;
+    std::string user; ///< who proved to be that; empty: anonymous
 };
 
 /// What comes before an answer's text.
@@ -59,6 +62,23 @@ public:
 /// closes the connection within the answer when text has left.
 using Handler = std::function<void(const Request&, Answer&)>;
 
+class Certificate;
+class Users;
+
+/// Who is let in. Everybody else gets 401 before anything of the body is looked at.
+struct Access {
+    /// Without credentials. Credentials that are brought all the same have to be right where there
+    /// are users, and do not count where there are none.
+    bool isAnonymous = true;
+    std::shared_ptr<Users> users; ///< null: nobody has a password
+    /// How long the answer to wrong credentials takes at least.
+    std::chrono::milliseconds failureDelay{1000};
+    /// A longer body of a request that is refused is not read: the connection ends with the answer.
+    std::size_t maxRefusedBodyBytes = std::size_t{4} * 1024;
+    /// Takes a line for each refusal of credentials, from several threads at once. May be empty.
+    std::function<void(const std::string&)> log;
+};
+
 struct Settings {
     std::string address = "127.0.0.1"; ///< IPv4 or IPv6 in numeric form
     std::uint16_t port = 5988;         ///< 0: any free port
@@ -66,6 +86,8 @@ struct Settings {
     std::size_t maxBodyBytes = std::size_t{1024} * 1024;
     unsigned idleSeconds = 300;
     std::string spoolDirectory; ///< for large answers; empty: $TMPDIR, or /tmp
+    Access access;
+    std::shared_ptr<Certificate> certificate; ///< null: no TLS
 };
 
 /// The address cannot be listened on; the text says which and why.

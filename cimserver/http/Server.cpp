@@ -1,3 +1,5 @@
+#include "cimserver/http/Admission.hpp"
+#include "cimserver/http/CertificateLoaded.hpp"
 #include "cimserver/http/Exchange.hpp"
 #include "cimserver/http/Framing.hpp"
 #include "cimserver/http/Http.hpp"
@@ -11,6 +13,7 @@
 #include <system_error>
 #include <utility>
 
+#include <gnutls/abstract.h>
 #include <microhttpd.h>
 #include <netdb.h>
 #include <sys/socket.h>
@@ -60,6 +63,63 @@ std::uint64_t AnnouncedLength(MHD_Connection* connection) {
     return length;
 }
 
+bool IsChunked(MHD_Connection* connection) {
+    return MHD_lookup_connection_value(connection, MHD_HEADER_KIND,
+                                       MHD_HTTP_HEADER_TRANSFER_ENCODING) != nullptr;
+}
+
+MHD_Result SendUnauthorized(MHD_Connection* connection) {
+    MHD_Response* response = MHD_create_response_from_buffer(0, nullptr, MHD_RESPMEM_PERSISTENT);
+    if (response == nullptr) {
+        return MHD_NO;
+    }
+    MHD_add_response_header(response, MHD_HTTP_HEADER_WWW_AUTHENTICATE,
+                            "Basic realm=\"cimserver\", charset=\"UTF-8\"");
+    const MHD_Result result = MHD_queue_response(connection, MHD_HTTP_UNAUTHORIZED, response);
+    MHD_destroy_response(response);
+    return result;
+}
+
+using CertificateInUse = std::shared_ptr<const Certificate::Loaded>;
+
+/// Gives a connection that begins the certificate of this moment, whatever the HTTP library would
+/// take, and keeps that until the connection has ended.
+void FollowConnection(void* source, MHD_Connection* connection, void** context,
+                      MHD_ConnectionNotificationCode what) {
+    if (what == MHD_CONNECTION_NOTIFY_CLOSED) {
+        delete static_cast<CertificateInUse*>(*context);
+        return;
+    }
+    const MHD_ConnectionInfo* info =
+        MHD_get_connection_info(connection, MHD_CONNECTION_INFO_GNUTLS_SESSION);
+    if (info == nullptr || info->tls_session == nullptr) {
+        return;
+    }
+    auto inUse =
+        std::make_unique<CertificateInUse>(static_cast<const Certificate*>(source)->Current());
+    gnutls_credentials_set(static_cast<gnutls_session_t>(info->tls_session), GNUTLS_CRD_CERTIFICATE,
+                           (*inUse)->credentials);
+    *context = inUse.release();
+}
+
+/// The HTTP library wants a certificate at its start; this stands for those that FollowConnection
+/// gives.
+int NoOtherCertificate(gnutls_session_t, const gnutls_datum_t*, int, const gnutls_pk_algorithm_t*,
+                       int, gnutls_pcert_st**, unsigned*, gnutls_privkey_t*) {
+    return -1;
+}
+
+std::vector<MHD_OptionItem> NoOptions() {
+    return {{MHD_OPTION_END, 0, nullptr}};
+}
+
+std::vector<MHD_OptionItem> TlsOptions() {
+    static std::string priorities = tlsPriorities; // the library takes no constant
+    return {{MHD_OPTION_HTTPS_PRIORITIES, 0, priorities.data()},
+            {MHD_OPTION_HTTPS_CERT_CALLBACK, 0, reinterpret_cast<void*>(&NoOtherCertificate)},
+            {MHD_OPTION_END, 0, nullptr}};
+}
+
 } // namespace
 
 struct Server::Daemon {
@@ -75,33 +135,28 @@ struct Server::Daemon {
     static void End(void* self, MHD_Connection* connection, void** state,
                     MHD_RequestTerminationCode reason);
 
+    void Start(int socket);
     MHD_Result TakeHead(MHD_Connection* connection, const char* method, const char* version,
-                        Exchange& exchange) const;
+                        Exchange& exchange);
     MHD_Result TakeBody(Exchange& exchange, const char* data, std::size_t& size) const;
     MHD_Result AnswerRequest(MHD_Connection* connection, const char* version,
                              Exchange& exchange) const;
 
     Settings settings;
     Handler handler;
+    Admission admission;
     std::uint16_t port = 0;
     MHD_Daemon* daemon = nullptr;
 };
 
 Server::Daemon::Daemon(const Settings& chosen, Handler chosenHandler)
-    : settings(chosen), handler(std::move(chosenHandler)) {
+    : settings(chosen), handler(std::move(chosenHandler)), admission(chosen.access) {
     if (settings.spoolDirectory.empty()) {
         settings.spoolDirectory = TemporaryDirectory();
     }
     ListeningSocket socket(settings.address, settings.port);
     port = socket.Port();
-    constexpr unsigned flags =
-        MHD_USE_THREAD_PER_CONNECTION | MHD_USE_INTERNAL_POLLING_THREAD | MHD_USE_POLL;
-    daemon = MHD_start_daemon(
-        flags, port, nullptr, nullptr, &Receive, this, MHD_OPTION_LISTEN_SOCKET,
-        socket.Descriptor(), MHD_OPTION_CONNECTION_MEMORY_LIMIT, connectionMemory,
-        MHD_OPTION_CONNECTION_LIMIT, settings.maxConnections, MHD_OPTION_CONNECTION_TIMEOUT,
-        settings.idleSeconds, MHD_OPTION_URI_LOG_CALLBACK, &Begin, this,
-        MHD_OPTION_NOTIFY_COMPLETED, &End, this, MHD_OPTION_END);
+    Start(socket.Descriptor());
     // The HTTP library closes the socket, some of its failures included.
     socket.Release();
     if (daemon == nullptr) {
@@ -110,7 +165,22 @@ Server::Daemon::Daemon(const Settings& chosen, Handler chosenHandler)
     }
 }
 
+void Server::Daemon::Start(int socket) {
+    const bool hasTls = settings.certificate != nullptr;
+    constexpr unsigned usual =
+        MHD_USE_THREAD_PER_CONNECTION | MHD_USE_INTERNAL_POLLING_THREAD | MHD_USE_POLL;
+    auto options = hasTls ? TlsOptions() : NoOptions();
+    daemon = MHD_start_daemon(
+        hasTls ? usual | MHD_USE_TLS : usual, port, nullptr, nullptr, &Receive, this,
+        MHD_OPTION_LISTEN_SOCKET, socket, MHD_OPTION_CONNECTION_MEMORY_LIMIT, connectionMemory,
+        MHD_OPTION_CONNECTION_LIMIT, settings.maxConnections, MHD_OPTION_CONNECTION_TIMEOUT,
+        settings.idleSeconds, MHD_OPTION_URI_LOG_CALLBACK, &Begin, this,
+        MHD_OPTION_NOTIFY_COMPLETED, &End, this, MHD_OPTION_NOTIFY_CONNECTION, &FollowConnection,
+        settings.certificate.get(), MHD_OPTION_ARRAY, options.data(), MHD_OPTION_END);
+}
+
 Server::Daemon::~Daemon() {
+    admission.EndDelays();
     MHD_stop_daemon(daemon);
 }
 
@@ -131,7 +201,7 @@ void Server::Daemon::End(void* /*self*/, MHD_Connection* /*connection*/, void** 
 MHD_Result Server::Daemon::Receive(void* self, MHD_Connection* connection, const char* /*url*/,
                                    const char* method, const char* version, const char* data,
                                    std::size_t* size, void** state) {
-    const Daemon& daemon = *static_cast<const Daemon*>(self);
+    Daemon& daemon = *static_cast<Daemon*>(self);
     auto* exchange = static_cast<Exchange*>(*state);
     if (exchange == nullptr) {
         return MHD_NO;
@@ -151,14 +221,20 @@ MHD_Result Server::Daemon::Receive(void* self, MHD_Connection* connection, const
 }
 
 MHD_Result Server::Daemon::TakeHead(MHD_Connection* connection, const char* method,
-                                    const char* version, Exchange& exchange) const {
+                                    const char* version, Exchange& exchange) {
     exchange.request.method = method;
     exchange.request.clientAddress = ClientAddress(connection);
     MHD_get_connection_values(connection, MHD_HEADER_KIND, &AddHeader, &exchange.request.headers);
     if (const auto fault = FramingFault(exchange.request, version)) {
         return SendBareStatus(connection, static_cast<unsigned>(*fault));
     }
-    if (AnnouncedLength(connection) > settings.maxBodyBytes) {
+    const std::uint64_t length = AnnouncedLength(connection);
+    if (!admission.Admits(exchange.request)) {
+        exchange.refused = true;
+        const bool isRead = length <= settings.access.maxRefusedBodyBytes && !IsChunked(connection);
+        return isRead ? MHD_YES : SendUnauthorized(connection);
+    }
+    if (length > settings.maxBodyBytes) {
         return SendBareStatus(connection, MHD_HTTP_CONTENT_TOO_LARGE);
     }
     return MHD_YES;
@@ -166,6 +242,9 @@ MHD_Result Server::Daemon::TakeHead(MHD_Connection* connection, const char* meth
 
 MHD_Result Server::Daemon::TakeBody(Exchange& exchange, const char* data, std::size_t& size) const {
     const std::size_t count = std::exchange(size, 0);
+    if (exchange.refused) {
+        return MHD_YES;
+    }
     if (!exchange.tooLarge && count <= settings.maxBodyBytes - exchange.request.body.size()) {
         exchange.request.body.append(data, count);
         return MHD_YES;
@@ -178,6 +257,9 @@ MHD_Result Server::Daemon::TakeBody(Exchange& exchange, const char* data, std::s
 
 MHD_Result Server::Daemon::AnswerRequest(MHD_Connection* connection, const char* version,
                                          Exchange& exchange) const {
+    if (exchange.refused) {
+        return SendUnauthorized(connection);
+    }
     if (exchange.tooLarge) {
         return SendBareStatus(connection, MHD_HTTP_CONTENT_TOO_LARGE);
     }
