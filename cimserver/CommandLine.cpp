@@ -18,6 +18,7 @@ namespace {
 struct Options {
     std::string config;
     std::string listen;
+    std::string tlsListen;
     std::vector<std::string> providerDirectories;
     std::vector<std::string> mofFiles;
     std::string nameSpace;
@@ -46,6 +47,9 @@ void Declare(CLI::App& app, Options& options) {
            "--listen", options.listen,
            "where to serve CIM-XML over HTTP; port 0: any free one (default 127.0.0.1:5988)")
         ->type_name("ADDR:PORT");
+    app.add_option("--tls-listen", options.tlsListen,
+                   "where to serve it over HTTPS, with http_server.SSL_cert (default: nowhere)")
+        ->type_name("ADDR:PORT");
     app.add_option("--provider-dir", options.providerDirectories,
                    "directory of provider libraries (default ../lib/providers beside the program)")
         ->type_name("DIR")
@@ -61,7 +65,9 @@ void Declare(CLI::App& app, Options& options) {
     app.add_flag("--check-config", options.checksConfiguration,
                  "tell every mistake and every unknown item of the configuration, and end");
     app.footer("Stays in the foreground, logs to standard error, stops on SIGTERM or SIGINT.\n"
-               "Every option has a configuration item; the command line wins.\n\n"
+               "Every option has a configuration item; the command line wins.\n"
+               "cimserver passwd and cimserver certificate make what logging in and TLS need; each "
+               "has --help.\n\n"
                "Configuration items, with their defaults:\n" +
                ItemList());
 }
@@ -78,7 +84,19 @@ std::string Joined(const std::vector<std::string>& parts, const char* option) {
     return text;
 }
 
-void ApplyListen(Configuration& configuration, const std::string& listen) {
+struct ListenOption {
+    const char* name;
+    const char* addresses; ///< the item
+    const char* port;      ///< the item
+};
+constexpr ListenOption plainOption{"--listen", items::addresses, items::port};
+constexpr ListenOption tlsOption{"--tls-listen", items::tlsAddresses, items::tlsPort};
+
+void ApplyListen(Configuration& configuration, const std::string& listen,
+                 const ListenOption& option) {
+    if (listen.empty()) {
+        return;
+    }
     const auto colon = listen.rfind(':');
     std::string address = listen.substr(0, colon);
     const bool bracketed = address.size() >= 2 && address.front() == '[' && address.back() == ']';
@@ -87,11 +105,11 @@ void ApplyListen(Configuration& configuration, const std::string& listen) {
     }
     const bool hasTwoParts = colon != std::string::npos && colon + 1 < listen.size();
     if (!hasTwoParts || address.empty() || (!bracketed && address.find(':') != std::string::npos)) {
-        throw ConfigurationError("--listen: `" + listen +
+        throw ConfigurationError(std::string(option.name) + ": `" + listen +
                                  "`: expected ADDR:PORT, such as 127.0.0.1:5988 or [::1]:5988");
     }
-    configuration.Override(items::addresses, address, "--listen");
-    configuration.Override(items::port, listen.substr(colon + 1), "--listen");
+    configuration.Override(option.addresses, address, option.name);
+    configuration.Override(option.port, listen.substr(colon + 1), option.name);
 }
 
 void Apply(const Options& options, Configuration& configuration) {
@@ -100,9 +118,8 @@ void Apply(const Options& options, Configuration& configuration) {
             configuration.Override(item, value, option);
         }
     };
-    if (!options.listen.empty()) {
-        ApplyListen(configuration, options.listen);
-    }
+    ApplyListen(configuration, options.listen, plainOption);
+    ApplyListen(configuration, options.tlsListen, tlsOption);
     override(items::providerDirectories, Joined(options.providerDirectories, "--provider-dir"),
              "--provider-dir");
     override(items::mofFiles, Joined(options.mofFiles, "--mof"), "--mof");

@@ -1,53 +1,24 @@
 #include "cimserver/Items.hpp"
 
+#include "cimserver/AccessItems.hpp"
 #include "cimserver/ItemValue.hpp"
 
 #include <algorithm>
-#include <arpa/inet.h>
 #include <array>
-#include <netinet/in.h>
 
 namespace cimserver {
 
 namespace {
 
-bool IsNumericAddress(const std::string& address) {
-    std::array<unsigned char, sizeof(in6_addr)> bytes{};
-    return inet_pton(AF_INET, address.c_str(), bytes.data()) == 1 ||
-           inet_pton(AF_INET6, address.c_str(), bytes.data()) == 1;
-}
-
-bool IsLoopback(const std::string& address) {
-    in_addr four{};
-    in6_addr six{};
-    if (inet_pton(AF_INET, address.c_str(), &four) == 1) {
-        return (ntohl(four.s_addr) >> 24U) == IN_LOOPBACKNET;
-    }
-    return inet_pton(AF_INET6, address.c_str(), &six) == 1 &&
-           std::equal(std::begin(six.s6_addr), std::end(six.s6_addr),
-                      std::begin(in6addr_loopback.s6_addr));
-}
-
-// Nobody proves here who he is, so only users of this machine may come in.
 void ReadAddresses(const ItemValue& value, Settings& settings) {
-    settings.addresses = value.Words();
-    for (const auto& address : settings.addresses) {
-        if (!IsNumericAddress(address)) {
-            value.Refuse("`" + address + "` is no numeric IPv4 or IPv6 address");
-        }
-        if (!IsLoopback(address)) {
-            value.Refuse("`" + address +
-                         "` can be reached from other machines, and this server has no "
-                         "authentication; use 127.0.0.1 or ::1");
-        }
-    }
+    settings.addresses = access_items::NumericAddresses(value);
 }
 
 void ReadPort(const ItemValue& value, Settings& settings) {
-    if (value.Text() == "-1") {
-        value.Refuse("without HTTP this server has nothing to listen on");
+    const auto port = value.Number(-1, 65535);
+    if (port >= 0) {
+        settings.port = static_cast<std::uint16_t>(port);
     }
-    settings.port = static_cast<std::uint16_t>(value.Number(0, 65535));
 }
 
 void ReadProviderDirectories(const ItemValue& value, Settings& settings) {
@@ -94,8 +65,37 @@ void ReadLibraryItems(const ItemValue& value, Settings& settings) {
 constexpr ItemRow rows[] = {
     {items::addresses, "127.0.0.1", "", "numeric addresses to listen on, separated by blanks",
      Effect::atRestart, &ReadAddresses},
-    {items::port, "5988", "", "port for CIM-XML over HTTP; 0: any free one", Effect::atRestart,
-     &ReadPort},
+    {items::port, "5988", "", "port for CIM-XML over HTTP; 0: any free one, -1: none",
+     Effect::atRestart, &ReadPort},
+    {items::tlsAddresses, "", "",
+     "numeric addresses to listen on with TLS; none: those of http_server.listen_addresses",
+     Effect::atRestart, &access_items::ReadTlsAddresses},
+    {items::tlsPort, "-1", "", "port for CIM-XML over HTTPS; 0: any free one, -1: none",
+     Effect::atRestart, &access_items::ReadTlsPort},
+    {items::certificate, "", "", "PEM file with the certificate for TLS", Effect::atReload,
+     &access_items::ReadCertificate},
+    {items::key, "", "", "PEM file with its key; none: in the file of the certificate",
+     Effect::atReload, &access_items::ReadKey},
+    {items::passwordFile, "", "", "file of users and their hashes, written by cimserver passwd",
+     Effect::atReload, &access_items::ReadPasswordFile},
+    {items::allowedUsers, "*", "", "the users of that file who may log in; *: all of them",
+     Effect::atReload, &access_items::ReadAllowedUsers},
+    {items::writers, "", "",
+     "the users who may call methods, create, modify, delete and set; *: everybody",
+     Effect::atReload, &access_items::ReadWriters},
+    {items::failureDelay, "1000", "ms", "that the answer to wrong credentials takes at least",
+     Effect::atRestart, &access_items::ReadFailureDelay},
+    {items::maxRefusedBody, "4096", "bytes",
+     "a longer body of a request without right credentials is not read", Effect::atRestart,
+     &access_items::ReadMaxRefusedBody},
+    {items::allowAnonymous, "false", "", "true: on 127.0.0.0/8 and ::1 nobody needs credentials",
+     Effect::atRestart, &access_items::ReadAllowAnonymous},
+    {items::anonymousFromAnywhere, "false", "",
+     "true: with owcimomd.allow_anonymous, on every other address too", Effect::atRestart,
+     &access_items::ReadAnonymousFromAnywhere},
+    {items::plainFromAnywhere, "false", "",
+     "true: addresses that other machines reach may be listened on without TLS", Effect::atRestart,
+     &access_items::ReadPlainFromAnywhere},
     {items::providerDirectories, "../lib/providers beside the program", "",
      "directories of provider libraries, separated by : or ;", Effect::atRestart,
      &ReadProviderDirectories},
@@ -114,8 +114,6 @@ constexpr ItemRow rows[] = {
 
 /// A name that is also in the table above counts there.
 constexpr std::string_view othersOfOpenWbem[] = {
-    "http_server.https_port",
-    "http_server.SSL_cert",
     "http_server.ssl_client_verification",
     "http_server.ssl_trust_store",
     "http_server.max_connections",
@@ -129,10 +127,7 @@ constexpr std::string_view othersOfOpenWbem[] = {
     "http_server.digest_password_file",
     "http_server.allow_local_authentication",
     "http_server.default_content_language",
-    "owcimomd.allow_anonymous",
     "owcimomd.authentication_module",
-    "simple_auth.password_file",
-    "owcimomd.allowed_users",
     "owcimomd.debugflag",
     "log.main.type",
     "log.main.location",

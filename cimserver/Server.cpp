@@ -1,10 +1,12 @@
 #include "cimserver/Server.hpp"
 
+#include "cimserver/Process.hpp"
 #include "cimserver/cimxml/CimXml.hpp"
+#include "cimserver/http/Certificate.hpp"
+#include "cimserver/http/Users.hpp"
 
-#include <climits>
+#include <functional>
 #include <string_view>
-#include <unistd.h>
 #include <utility>
 
 namespace cimserver {
@@ -50,42 +52,95 @@ host::Settings HostSettings(const Settings& settings, const Configuration& confi
     return result;
 }
 
-OpenWBEM::String HostName() {
-    char name[HOST_NAME_MAX + 1] = {};
-    const bool isNamed = gethostname(name, sizeof name - 1) == 0 && name[0] != '\0';
-    return isNamed ? name : "localhost";
+std::string Url(const char* scheme, const std::string& address, std::uint16_t port) {
+    const bool isSix = address.find(':') != std::string::npos;
+    return std::string(scheme) + "://" + (isSix ? "[" + address + "]" : address) + ":" +
+           std::to_string(port);
+}
+
+std::shared_ptr<http::Users> MakeUsers(const AccessSettings& access) {
+    return access.HasUsers() ? std::make_shared<http::Users>(
+                                   http::UserSettings{access.passwordFile, access.allowedUsers})
+                             : nullptr;
+}
+
+std::shared_ptr<http::Certificate> MakeCertificate(const AccessSettings& access) {
+    return access.tlsPort ? std::make_shared<http::Certificate>(
+                                http::CertificateFiles{access.certificate, access.KeyFile()})
+                          : nullptr;
+}
+
+std::function<void(const std::string&)> RefusalLog(const OpenWBEM::LoggerRef& logger) {
+    OpenWBEM::LoggerRef own = logger->clone();
+    own->setDefaultComponent("cimserver.http");
+    return [own](const std::string& line) { own->logError(line.c_str()); };
 }
 
 } // namespace
 
 Server::Server(const Settings& settings, const Configuration& configuration,
                const OpenWBEM::LoggerRef& logger)
-    : addresses_(settings.addresses) {
+    : logger_(logger), users_(MakeUsers(settings.access)),
+      certificate_(MakeCertificate(settings.access)), writers_(settings.access.writers) {
     for (const auto& file : settings.mofFiles) {
         schema_.AddFile(file);
     }
     host_ = std::make_unique<host::Host>(HostSettings(settings, configuration, logger));
     operations_ = std::make_unique<operations::Operations>(
-        schema_, *host_, OpenWBEM::String(settings.nameSpace.c_str()), HostName());
-    for (const auto& address : addresses_) {
+        schema_, *host_, OpenWBEM::String(settings.nameSpace.c_str()),
+        OpenWBEM::String(HostName().c_str()));
+    if (settings.port) {
+        Listen(settings.addresses, *settings.port, nullptr, settings.access);
+    }
+    if (settings.access.tlsPort) {
+        const auto& own = settings.access.tlsAddresses;
+        Listen(own.empty() ? settings.addresses : own, *settings.access.tlsPort, certificate_,
+               settings.access);
+    }
+}
+
+void Server::Listen(const std::vector<std::string>& addresses, std::uint16_t port,
+                    const std::shared_ptr<http::Certificate>& certificate,
+                    const AccessSettings& access) {
+    for (const auto& address : addresses) {
         http::Settings listener;
         listener.address = address;
-        listener.port = settings.port;
+        listener.port = port;
+        listener.certificate = certificate;
+        listener.access = {access.IsAnonymousOn(address), users_, access.failureDelay,
+                           access.maxRefusedBodyBytes, RefusalLog(logger_)};
         listeners_.push_back(std::make_unique<http::Server>(
             listener, [this](const http::Request& request, http::Answer& answer) {
                 AnswerRequest(request, answer);
             }));
+        urls_.push_back(
+            Url(certificate == nullptr ? "http" : "https", address, listeners_.back()->Port()));
     }
 }
 
-std::vector<std::string> Server::Urls() const {
-    std::vector<std::string> urls;
-    for (std::size_t i = 0; i < listeners_.size(); ++i) {
-        const bool six = addresses_[i].find(':') != std::string::npos;
-        urls.push_back("http://" + (six ? "[" + addresses_[i] + "]" : addresses_[i]) + ":" +
-                       std::to_string(listeners_[i]->Port()));
+std::vector<std::string> Server::ReloadCredentials(const AccessSettings& access) {
+    std::vector<std::string> faults;
+    const auto attempt = [&](const std::function<void()>& reload) {
+        try {
+            reload();
+        } catch (const std::exception& error) {
+            faults.emplace_back(error.what());
+        }
+    };
+    if (users_ != nullptr) {
+        attempt([&] { users_->Reload({access.passwordFile, access.allowedUsers}); });
     }
-    return urls;
+    if (certificate_ != nullptr) {
+        attempt([&] { certificate_->Reload({access.certificate, access.KeyFile()}); });
+    }
+    const std::lock_guard lock(writersMutex_);
+    writers_ = access.writers;
+    return faults;
+}
+
+bool Server::MayChange(const std::string& user) const {
+    const std::lock_guard lock(writersMutex_);
+    return ListsUser(writers_, user);
 }
 
 void Server::AnswerRequest(const http::Request& request, http::Answer& answer) {
@@ -95,6 +150,8 @@ void Server::AnswerRequest(const http::Request& request, http::Answer& answer) {
         message.headers.emplace_back(header.name, header.value);
     }
     message.body = request.body;
+    message.user = request.user;
+    message.mayChange = MayChange(request.user);
     AnswerOutput output(answer);
     cimxml::Answer(message, *operations_, output);
 }

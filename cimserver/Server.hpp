@@ -10,7 +10,9 @@
 
 #include "OW_Logger.hpp"
 
+#include <cstdint>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -21,21 +23,36 @@ namespace cimserver {
 class Server {
 public:
     /// `configuration` is what providers may ask for; it must outlive the server. Throws MofError,
-    /// ListenError.
+    /// ListenError, CredentialError.
     Server(const Settings& settings, const Configuration& configuration,
            const OpenWBEM::LoggerRef& logger);
 
-    /// The addresses really listened on: `http://127.0.0.1:5988`.
-    std::vector<std::string> Urls() const;
+    /// The addresses really listened on: `http://127.0.0.1:5988`; those with TLS last.
+    const std::vector<std::string>& Urls() const { return urls_; }
+
+    /// Takes users, allowed users, certificate and writers anew, for the requests and connections
+    /// that come from now on; what was remembered of passwords is forgotten, and no connection
+    /// ends. Returns why not, a sentence each for users and certificate; these stay as they were.
+    /// Where there were no users or no TLS at the start, there are none after this.
+    std::vector<std::string> ReloadCredentials(const AccessSettings& access);
 
 private:
+    void Listen(const std::vector<std::string>& addresses, std::uint16_t port,
+                const std::shared_ptr<http::Certificate>& certificate,
+                const AccessSettings& access);
+    bool MayChange(const std::string& user) const;
     void AnswerRequest(const http::Request& request, http::Answer& answer);
 
     // In the order of life: each uses only those before it.
+    const OpenWBEM::LoggerRef logger_;
+    const std::shared_ptr<http::Users> users_;             ///< null: there are none
+    const std::shared_ptr<http::Certificate> certificate_; ///< null: there is no TLS
+    mutable std::mutex writersMutex_;
+    std::vector<std::string> writers_; ///< guarded by writersMutex_
     mof::Schema schema_;
     std::unique_ptr<host::Host> host_;
     std::unique_ptr<operations::Operations> operations_;
-    std::vector<std::string> addresses_;
+    std::vector<std::string> urls_;
     std::vector<std::unique_ptr<http::Server>> listeners_;
 };
 

@@ -21,13 +21,15 @@ void ReadItem(const ItemRow& row, const Configuration& configuration, Settings& 
 }
 
 /// What no item says alone.
-void CheckTogether(const Configuration& configuration, std::vector<Mistake>& mistakes) {
+void CheckTogether(const Configuration& configuration, const Settings& settings,
+                   std::vector<Mistake>& mistakes) {
     if (configuration.Find(items::mofFiles) == nullptr) {
         mistakes.push_back({Mistake::nowhere,
                             std::string("no MOF file: name the files that declare the classes with "
                                         "--mof FILE or with the item ") +
                                 items::mofFiles});
     }
+    CheckAccess(configuration, settings, mistakes);
 }
 
 } // namespace
@@ -45,7 +47,7 @@ Settings ReadSettings(const Configuration& configuration,
     for (const ItemRow& row : Items()) {
         ReadItem(row, configuration, settings, mistakes);
     }
-    CheckTogether(configuration, mistakes);
+    CheckTogether(configuration, settings, mistakes);
     std::stable_sort(mistakes.begin(), mistakes.end(),
                      [](const Mistake& a, const Mistake& b) { return a.line < b.line; });
     return settings;

@@ -2,6 +2,7 @@
 // type. What each item means and its default stand in the table of Items.hpp.
 #pragma once
 
+#include "cimserver/AccessItems.hpp"
 #include "cimserver/Configuration.hpp"
 
 #include "OW_LogLevel.hpp"
@@ -9,6 +10,7 @@
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,6 +20,18 @@ namespace cimserver {
 namespace items {
 inline constexpr const char* addresses = "http_server.listen_addresses";
 inline constexpr const char* port = "http_server.http_port";
+inline constexpr const char* tlsAddresses = "cimserver.tls_addresses";
+inline constexpr const char* tlsPort = "http_server.https_port";
+inline constexpr const char* certificate = "http_server.SSL_cert";
+inline constexpr const char* key = "cimserver.tls_key";
+inline constexpr const char* passwordFile = "simple_auth.password_file";
+inline constexpr const char* allowedUsers = "owcimomd.allowed_users";
+inline constexpr const char* writers = "cimserver.writers";
+inline constexpr const char* failureDelay = "cimserver.failure_delay";
+inline constexpr const char* maxRefusedBody = "cimserver.max_refused_body";
+inline constexpr const char* allowAnonymous = "owcimomd.allow_anonymous";
+inline constexpr const char* anonymousFromAnywhere = "cimserver.anonymous_from_anywhere";
+inline constexpr const char* plainFromAnywhere = "cimserver.plain_from_anywhere";
 inline constexpr const char* providerDirectories = "cppprovifc.prov_location";
 inline constexpr const char* idleMinutes = "cppprovifc.prov_TTL";
 inline constexpr const char* mofFiles = "cimserver.mof_files";
@@ -27,8 +41,9 @@ inline constexpr const char* logLevel = "log.main.level";
 } // namespace items
 
 struct Settings {
-    std::vector<std::string> addresses; ///< numeric IPv4 or IPv6, loopback all of them
-    std::uint16_t port = 0;             ///< 0: any free port
+    std::vector<std::string> addresses; ///< numeric IPv4 or IPv6, of listeners without TLS
+    std::optional<std::uint16_t> port;  ///< absent: none without TLS; 0: any free port
+    AccessSettings access;
     std::vector<std::filesystem::path> providerDirectories;
     std::chrono::minutes providerIdle{}; ///< negative: providers stay
     std::vector<std::filesystem::path> mofFiles;

@@ -1,4 +1,5 @@
 #include "cimserver/CommandLine.hpp"
+#include "cimserver/Commands.hpp"
 #include "cimserver/Configuration.hpp"
 #include "cimserver/Log.hpp"
 #include "cimserver/Process.hpp"
@@ -13,6 +14,9 @@ namespace cimserver {
 namespace {
 
 ExitCode Run(int argc, const char* const* argv) {
+    if (const auto done = RunCommand(argc, argv, std::cout, std::cerr)) {
+        return *done;
+    }
     Configuration configuration;
     if (const auto done = ReadCommandLine(argc, argv, configuration, std::cout, std::cerr)) {
         return *done;

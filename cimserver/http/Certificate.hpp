@@ -1,7 +1,7 @@
 // The certificate with which the server proves at the start of TLS who it is.
 #pragma once
 
-#include "cimserver/http/PasswordFile.hpp"
+#include "cimserver/http/SafeFile.hpp"
 
 #include <filesystem>
 #include <memory>

@@ -24,10 +24,6 @@ namespace {
     throw CredentialError(file.string() + ": " + why);
 }
 
-[[noreturn]] void FailWithError(const std::filesystem::path& file, int error) {
-    Fail(file, std::generic_category().message(error));
-}
-
 class Descriptor {
 public:
     explicit Descriptor(int number) : number_(number) {}
@@ -46,11 +42,6 @@ private:
     int number_;
 };
 
-struct Content {
-    std::string text;
-    struct stat status = {};
-};
-
 void CheckStatus(const std::filesystem::path& file, const struct stat& status) {
     if (!S_ISREG(status.st_mode)) {
         Fail(file, "is no regular file");
@@ -61,7 +52,7 @@ void CheckStatus(const std::filesystem::path& file, const struct stat& status) {
 }
 
 /// Nothing when there is no such file.
-std::optional<Content> ReadAll(const std::filesystem::path& file) {
+std::optional<std::string> ReadAll(const std::filesystem::path& file) {
     const Descriptor descriptor(open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     if (!descriptor.IsOpen()) {
         if (errno == ENOENT) {
@@ -69,20 +60,21 @@ std::optional<Content> ReadAll(const std::filesystem::path& file) {
         }
         FailWithError(file, errno);
     }
-    Content content;
-    if (fstat(descriptor.Number(), &content.status) != 0) {
+    struct stat status = {};
+    if (fstat(descriptor.Number(), &status) != 0) {
         FailWithError(file, errno);
     }
-    CheckStatus(file, content.status);
+    CheckStatus(file, status);
+    std::string text;
     std::array<char, 4096> part{};
     ssize_t count = 0;
     while ((count = read(descriptor.Number(), part.data(), part.size())) > 0) {
-        content.text.append(part.data(), static_cast<std::size_t>(count));
+        text.append(part.data(), static_cast<std::size_t>(count));
     }
     if (count < 0) {
         FailWithError(file, errno);
     }
-    return content;
+    return text;
 }
 
 std::vector<std::string> LinesOf(std::string_view text) {
@@ -124,38 +116,6 @@ std::string Replaced(const std::string& text, const std::string& user, const std
     return isThere ? result : result + mine + "\n";
 }
 
-bool WriteWhole(int descriptor, std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t count = write(descriptor, text.data(), text.size());
-        if (count < 0) {
-            return false;
-        }
-        text.remove_prefix(static_cast<std::size_t>(count));
-    }
-    return fsync(descriptor) == 0;
-}
-
-/// Who runs this may be the administrator while the file belongs to the server's user.
-bool GiveTo(int descriptor, const std::optional<Content>& before) {
-    return !before || before->status.st_uid == geteuid() ||
-           fchown(descriptor, before->status.st_uid, before->status.st_gid) == 0;
-}
-
-void Replace(const std::filesystem::path& file, const std::optional<Content>& before,
-             const std::string& text) {
-    std::string draft = file.string() + ".XXXXXX";
-    const Descriptor descriptor(mkostemp(draft.data(), O_CLOEXEC));
-    if (!descriptor.IsOpen()) {
-        FailWithError(file, errno);
-    }
-    if (!GiveTo(descriptor.Number(), before) || !WriteWhole(descriptor.Number(), text) ||
-        rename(draft.c_str(), file.c_str()) != 0) {
-        const int error = errno;
-        unlink(draft.c_str());
-        FailWithError(file, error);
-    }
-}
-
 } // namespace
 
 PasswordTable ReadPasswordFile(const std::filesystem::path& file) {
@@ -166,7 +126,7 @@ PasswordTable ReadPasswordFile(const std::filesystem::path& file) {
     }
     PasswordTable table;
     unsigned number = 0;
-    for (const std::string& line : LinesOf(content->text)) {
+    for (const std::string& line : LinesOf(*content)) {
         ++number;
         if (!line.empty()) {
             AddLine(table, line, file.string() + ":" + std::to_string(number));
@@ -183,19 +143,13 @@ bool IsUserName(const std::string& name) {
 
 void SetPassword(const std::filesystem::path& file, const std::string& user,
                  const std::string& hash) {
-    // A link to the file stays one.
-    std::error_code failed;
-    const auto target = std::filesystem::weakly_canonical(std::filesystem::absolute(file), failed);
-    if (failed) {
-        Fail(file, failed.message());
-    }
-    const Descriptor directory(
-        open(target.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const auto folder = std::filesystem::absolute(file).parent_path();
+    const Descriptor directory(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!directory.IsOpen() || flock(directory.Number(), LOCK_EX) != 0) {
-        FailWithError(target.parent_path(), errno);
+        FailWithError(folder, errno);
     }
-    const auto before = ReadAll(target);
-    Replace(target, before, Replaced(before ? before->text : "", user, hash));
+    const std::string before = ReadAll(file).value_or("");
+    ReplaceFile(file, Replaced(before, user, hash), S_IRUSR | S_IWUSR);
     fsync(directory.Number());
 }
 

@@ -2,19 +2,13 @@
 // its owner may read it.
 #pragma once
 
+#include "cimserver/http/SafeFile.hpp"
+
 #include <filesystem>
 #include <map>
-#include <stdexcept>
 #include <string>
 
 namespace cimserver::http {
-
-/// What is wrong with a file of passwords or certificates, in a sentence that names the file and
-/// says what to do. It holds nothing secret.
-class CredentialError : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-};
 
 /// Hashes by user name.
 using PasswordTable = std::map<std::string, std::string>;

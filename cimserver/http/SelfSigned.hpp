@@ -1,7 +1,7 @@
 // Certificates for those who have nobody to sign one.
 #pragma once
 
-#include "cimserver/http/PasswordFile.hpp"
+#include "cimserver/http/SafeFile.hpp"
 
 #include <string>
 #include <vector>
