@@ -9,6 +9,7 @@
 namespace {
 
 const std::string needed = "cimserver.mof_files = " TEST_DATA_DIRECTORY "/program/test.mof\n";
+const std::string open = "owcimomd.allow_anonymous = true\n";
 
 struct Checked {
     bool isWell = false;
@@ -27,7 +28,7 @@ Checked Check(const std::string& text) {
 }
 
 TEST(ConfigurationCheck, AllIsWell) {
-    const auto [isWell, out, err] = Check(needed + "log.main.level = info\n");
+    const auto [isWell, out, err] = Check(needed + open + "log.main.level = info\n");
     EXPECT_TRUE(isWell);
     EXPECT_EQ(out, "The configuration is in order.\n");
     EXPECT_EQ(err, "");
@@ -36,7 +37,8 @@ TEST(ConfigurationCheck, AllIsWell) {
 TEST(ConfigurationCheck, EveryMistakeAndEveryUnknownItemInTheOrderOfTheFile) {
     const auto [isWell, out, err] = Check("zz.unknown = 1\nlog.main.level = loud\n"
                                           "nonsense\nLog.main.level = info\n"
-                                          "http_server.http_port = 70000\n");
+                                          "http_server.http_port = 70000\n" +
+                                          open);
     EXPECT_FALSE(isWell);
     EXPECT_EQ(out, "");
     EXPECT_EQ(err, "my.conf:1: zz.unknown: unknown item; one that a provider library reads has to "
@@ -45,7 +47,7 @@ TEST(ConfigurationCheck, EveryMistakeAndEveryUnknownItemInTheOrderOfTheFile) {
                    "my.conf:3: expected `name = value`\n"
                    "my.conf:4: Log.main.level: unknown item; one that a provider library reads has "
                    "to be named in cimserver.library_items\n"
-                   "my.conf:5: http_server.http_port = 70000: expected a whole number from 0 to "
+                   "my.conf:5: http_server.http_port = 70000: expected a whole number from -1 to "
                    "65535\n"
                    "no MOF file: name the files that declare the classes with --mof FILE or with "
                    "the item cimserver.mof_files\n");
@@ -53,14 +55,14 @@ TEST(ConfigurationCheck, EveryMistakeAndEveryUnknownItemInTheOrderOfTheFile) {
 
 TEST(ConfigurationCheck, ItemsOfLibrariesAreMadeKnownByName) {
     const auto [isWell, out, err] =
-        Check(needed + "qv.one = 1\nqv.two = 2\ncimserver.library_items = qv.one\tqv.two\n");
+        Check(needed + open + "qv.one = 1\nqv.two = 2\ncimserver.library_items = qv.one\tqv.two\n");
     EXPECT_TRUE(isWell) << err;
     EXPECT_EQ(out, "The configuration is in order.\n");
 }
 
 TEST(ConfigurationCheck, ItemsOfOpenWbemThatAreNotUsedHereAreNoFault) {
     const auto [isWell, out, err] =
-        Check(needed + "owcimomd.datadir = /x\nlog.debug.level = info\n");
+        Check(needed + "owcimomd.datadir = /x\nlog.debug.level = info\n" + open);
     EXPECT_TRUE(isWell) << err;
     EXPECT_EQ(out, "my.conf:3: log.debug.level: not used by this server\n"
                    "my.conf:2: owcimomd.datadir: not used by this server\n"
@@ -71,7 +73,7 @@ TEST(ConfigurationCheck, ItemsOfOpenWbemThatAreNotUsedHereAreNoFault) {
 
 TEST(ConfigurationCheck, RepeatedItemsAreToldAndAreNoFault) {
     const auto [isWell, out, err] =
-        Check(needed + "log.main.level = info\nlog.main.level = debug\n");
+        Check(needed + "log.main.level = info\nlog.main.level = debug\n" + open);
     EXPECT_TRUE(isWell) << err;
     EXPECT_EQ(out, "my.conf:3: log.main.level: does not count, it stands in my.conf:2 already\n"
                    "The configuration is in order.\n");

@@ -51,11 +51,14 @@ TEST_F(CommandLine, NothingGivenSetsNothing) {
 }
 
 TEST_F(CommandLine, EveryOptionSetsItsItem) {
-    EXPECT_EQ(Read({"--listen", "127.0.0.1:0", "--provider-dir", "one", "--provider-dir", "two",
-                    "--mof", "a.mof", "b.mof", "--namespace", "root/x", "--log-level", "info"}),
+    EXPECT_EQ(Read({"--listen", "127.0.0.1:0", "--tls-listen", "[::1]:1", "--provider-dir", "one",
+                    "--provider-dir", "two", "--mof", "a.mof", "b.mof", "--namespace", "root/x",
+                    "--log-level", "info"}),
               std::nullopt);
     EXPECT_EQ(Item("http_server.listen_addresses"), "127.0.0.1");
     EXPECT_EQ(Item("http_server.http_port"), "0");
+    EXPECT_EQ(Item("cimserver.tls_addresses"), "::1");
+    EXPECT_EQ(Item("http_server.https_port"), "1");
     EXPECT_EQ(Item("cppprovifc.prov_location"), "one:two");
     EXPECT_EQ(Item("cimserver.mof_files"), "a.mof:b.mof");
     EXPECT_EQ(Item("cimserver.namespace"), "root/x");

@@ -45,11 +45,18 @@ protected:
         std::ofstream(file) << text;
         return file.string();
     }
+    /// One that lets everybody on this machine in.
+    std::string OpenConfigFile(const std::string& text = "") const {
+        return ConfigFile("owcimomd.allow_anonymous = true\n" + text);
+    }
     /// Arguments of a server that serves the class of the tests on a free port.
     std::vector<std::string> Serving(const std::vector<std::string>& more = {}) const {
         std::vector<std::string> arguments{
             "--mof", mofFile, "--provider-dir", PROGRAM_TEST_PROVIDERS, "--listen", "127.0.0.1:0"};
         arguments.insert(arguments.end(), more.begin(), more.end());
+        if (std::find(more.begin(), more.end(), "--config") == more.end()) {
+            arguments.insert(arguments.end(), {"--config", OpenConfigFile()});
+        }
         return arguments;
     }
     static std::string Names(std::uint16_t port) {
@@ -122,7 +129,7 @@ TEST_F(Program, CheckOfTheConfigurationTellsAllAndEnds) {
     EXPECT_THAT(faulty.Output(), IsEmpty());
     EXPECT_THAT(faulty.Error(), AllOf(HasSubstr("/my.conf:1: log.main.level = loud: "),
                                       HasSubstr("/my.conf:2: zz: unknown item")));
-    Running well({"--check-config", "--mof", mofFile});
+    Running well({"--check-config", "--mof", mofFile, "--config", OpenConfigFile()});
     EXPECT_EQ(well.Wait(), 0);
     EXPECT_EQ(well.Output(), "The configuration is in order.\n");
     EXPECT_THAT(well.Error(), IsEmpty());
@@ -131,14 +138,15 @@ TEST_F(Program, CheckOfTheConfigurationTellsAllAndEnds) {
 TEST_F(Program, MistakeInTheMofIsNamedWithItsPlace) {
     const auto file = directory / "bad.mof";
     std::ofstream(file) << "class HT_A {\n  nonsense\n};\n";
-    EXPECT_THAT(StartError({"--mof", file.string()}), HasSubstr(file.string() + ":"));
+    EXPECT_THAT(StartError({"--mof", file.string(), "--config", OpenConfigFile()}),
+                HasSubstr(file.string() + ":"));
 }
 
 TEST_F(Program, PortInUseIsAStartError) {
     Running first(Serving());
     const auto port = std::to_string(first.WaitForPort());
     EXPECT_THAT(StartError({"--mof", mofFile, "--provider-dir", PROGRAM_TEST_PROVIDERS, "--listen",
-                            "127.0.0.1:" + port}),
+                            "127.0.0.1:" + port, "--config", OpenConfigFile()}),
                 AllOf(HasSubstr(port), HasSubstr("in use")));
 }
 
@@ -161,18 +169,18 @@ TEST_F(Program, OtherSignalsOfClientsDoNotEndIt) {
 }
 
 TEST_F(Program, ConfigFileGivesWhatTheCommandLineDoesNot) {
-    Running server({"--config", ConfigFile("http_server.http_port = 0\n"
-                                           "http_server.listen_addresses = 127.0.0.1 ::1\n"
-                                           "cppprovifc.prov_location = " PROGRAM_TEST_PROVIDERS
-                                           "\ncimserver.mof_files = " +
-                                           mofFile + "\ncimserver.namespace = root/cimv2\n")});
+    Running server({"--config", OpenConfigFile("http_server.http_port = 0\n"
+                                               "http_server.listen_addresses = 127.0.0.1 ::1\n"
+                                               "cppprovifc.prov_location = " PROGRAM_TEST_PROVIDERS
+                                               "\ncimserver.mof_files = " +
+                                               mofFile + "\ncimserver.namespace = root/cimv2\n")});
     EXPECT_THAT(Names(server.WaitForPort()), HasSubstr("INSTANCENAME"));
     EXPECT_THAT(server.WaitForLine("Listening on http://["),
                 testing::MatchesRegex("Listening on http://\\[::1\\]:[0-9]+"));
 }
 
 TEST_F(Program, ProviderReadsItemsAndItsLinesGoToTheLog) {
-    Running server(Serving({"--config", ConfigFile("test.text = any words\n")}));
+    Running server(Serving({"--config", OpenConfigFile("test.text = any words\n")}));
     Names(server.WaitForPort());
     server.Signal(SIGTERM);
     EXPECT_EQ(server.Wait(), 0);
@@ -192,16 +200,17 @@ TEST_F(Program, WhatAProviderPrintsGoesToTheLogAtOnce) {
 // The server's parent leaves it what a careless one may: open descriptors, a standard input,
 // ignored and blocked signals.
 TEST_F(Program, ChildrenOfProvidersInheritNothing) {
-    Running server(Serving({"--config", ConfigFile("test.child = " PROGRAM_TEST_CHILD "\n")}), [] {
-        dup2(open("/etc/passwd", O_RDONLY), 9);
-        dup2(9, 200);
-        dup2(9, STDIN_FILENO);
-        std::signal(SIGCHLD, SIG_IGN);
-        std::signal(SIGPIPE, SIG_IGN);
-        sigset_t all;
-        sigfillset(&all);
-        sigprocmask(SIG_SETMASK, &all, nullptr);
-    });
+    Running server(Serving({"--config", OpenConfigFile("test.child = " PROGRAM_TEST_CHILD "\n")}),
+                   [] {
+                       dup2(open("/etc/passwd", O_RDONLY), 9);
+                       dup2(9, 200);
+                       dup2(9, STDIN_FILENO);
+                       std::signal(SIGCHLD, SIG_IGN);
+                       std::signal(SIGPIPE, SIG_IGN);
+                       sigset_t all;
+                       sigfillset(&all);
+                       sigprocmask(SIG_SETMASK, &all, nullptr);
+                   });
     const auto port = server.WaitForPort();
     const test_support::CimClient idle(port);
     EXPECT_THAT(Names(port), HasSubstr("INSTANCENAME"));
