@@ -1,7 +1,6 @@
 #include "cimserver/Server.hpp"
 
 #include "cimserver/Process.hpp"
-#include "cimserver/cimxml/CimXml.hpp"
 #include "cimserver/http/Certificate.hpp"
 #include "cimserver/http/Users.hpp"
 
@@ -76,45 +75,103 @@ std::function<void(const std::string&)> RefusalLog(const OpenWBEM::LoggerRef& lo
     return [own](const std::string& line) { own->logError(line.c_str()); };
 }
 
+http::Settings ListenerSettings(const Settings& settings, http::Observer& observer) {
+    http::Settings result;
+    result.maxConnections = settings.limits.connections;
+    result.maxConnectionsPerAddress = settings.limits.connectionsPerAddress;
+    result.maxHeaderBytes = settings.limits.headerBytes;
+    result.maxBodyBytes = settings.limits.bodyBytes;
+    result.idleSeconds = settings.limits.idleSeconds;
+    result.requestSeconds = settings.limits.requestSeconds;
+    result.observer = &observer;
+    result.watch = http::WatchTogether(result);
+    return result;
+}
+
+const char* ItemOf(http::Limit limit) {
+    switch (limit) {
+    case http::Limit::headerBytes:
+        return items::maxHeaderBytes;
+    case http::Limit::bodyBytes:
+        return items::maxBodyBytes;
+    case http::Limit::connections:
+        return items::maxConnections;
+    case http::Limit::connectionsOfAddress:
+        return items::maxConnectionsPerAddress;
+    case http::Limit::requestTime:
+        break;
+    }
+    return items::requestSeconds;
+}
+
+const char* ItemOf(cimxml::XmlLimit limit) {
+    switch (limit) {
+    case cimxml::XmlLimit::depth:
+        return items::maxXmlDepth;
+    case cimxml::XmlLimit::attributes:
+        return items::maxXmlAttributes;
+    case cimxml::XmlLimit::elements:
+        return items::maxXmlElements;
+    case cimxml::XmlLimit::keyBindings:
+        break;
+    }
+    return items::maxKeyBindings;
+}
+
+std::string StatusText(int status) {
+    return "status-" + std::to_string(status);
+}
+
+std::string TextOf(const cimxml::Outcome& outcome) {
+    if (outcome.httpStatus != 200) {
+        return StatusText(outcome.httpStatus);
+    }
+    return outcome.cimError == 0 ? "ok" : cimxml::ErrorName(outcome.cimError);
+}
+
 } // namespace
 
-Server::Server(const Settings& settings, const Configuration& configuration,
-               const OpenWBEM::LoggerRef& logger)
-    : logger_(logger), users_(MakeUsers(settings.access)),
-      certificate_(MakeCertificate(settings.access)), writers_(settings.access.writers) {
+Server::Server(const Settings& settings, const Configuration& configuration, Log& log)
+    : log_(log),
+      limitLog_(log.Logger()), xmlLimits_{settings.limits.xmlDepth, settings.limits.xmlAttributes,
+                                          settings.limits.xmlElements, settings.limits.keyBindings},
+      users_(MakeUsers(settings.access)), certificate_(MakeCertificate(settings.access)),
+      writers_(settings.access.writers) {
     for (const auto& file : settings.mofFiles) {
         schema_.AddFile(file);
     }
-    host_ = std::make_unique<host::Host>(HostSettings(settings, configuration, logger));
+    host_ = std::make_unique<host::Host>(HostSettings(settings, configuration, log.Logger()));
     operations_ = std::make_unique<operations::Operations>(
         schema_, *host_, OpenWBEM::String(settings.nameSpace.c_str()),
         OpenWBEM::String(HostName().c_str()));
+    http::Settings listener = ListenerSettings(settings, *this);
     if (settings.port) {
-        Listen(settings.addresses, *settings.port, nullptr, settings.access);
+        listener.port = *settings.port;
+        Listen(settings.addresses, listener, settings.access);
     }
     if (settings.access.tlsPort) {
         const auto& own = settings.access.tlsAddresses;
-        Listen(own.empty() ? settings.addresses : own, *settings.access.tlsPort, certificate_,
-               settings.access);
+        listener.port = *settings.access.tlsPort;
+        listener.certificate = certificate_;
+        Listen(own.empty() ? settings.addresses : own, listener, settings.access);
     }
 }
 
-void Server::Listen(const std::vector<std::string>& addresses, std::uint16_t port,
-                    const std::shared_ptr<http::Certificate>& certificate,
+void Server::Listen(const std::vector<std::string>& addresses, http::Settings listener,
                     const AccessSettings& access) {
+    listener.access.users = users_;
+    listener.access.failureDelay = access.failureDelay;
+    listener.access.maxRefusedBodyBytes = access.maxRefusedBodyBytes;
+    listener.access.log = RefusalLog(log_.Logger());
+    const char* scheme = listener.certificate == nullptr ? "http" : "https";
     for (const auto& address : addresses) {
-        http::Settings listener;
         listener.address = address;
-        listener.port = port;
-        listener.certificate = certificate;
-        listener.access = {access.IsAnonymousOn(address), users_, access.failureDelay,
-                           access.maxRefusedBodyBytes, RefusalLog(logger_)};
+        listener.access.isAnonymous = access.IsAnonymousOn(address);
         listeners_.push_back(std::make_unique<http::Server>(
             listener, [this](const http::Request& request, http::Answer& answer) {
                 AnswerRequest(request, answer);
             }));
-        urls_.push_back(
-            Url(certificate == nullptr ? "http" : "https", address, listeners_.back()->Port()));
+        urls_.push_back(Url(scheme, address, listeners_.back()->Port()));
     }
 }
 
@@ -143,7 +200,20 @@ bool Server::MayChange(const std::string& user) const {
     return ListsUser(writers_, user);
 }
 
+void Server::Reached(http::Limit limit, const std::string& clientAddress) {
+    limitLog_.Reached(ItemOf(limit), clientAddress);
+}
+
+void Server::Refused(int status, const std::string& clientAddress) {
+    const std::string outcome = status == 0 ? "refused" : StatusText(status);
+    RequestRecord record;
+    record.client = clientAddress;
+    record.outcome = outcome;
+    log_.Request(record);
+}
+
 void Server::AnswerRequest(const http::Request& request, http::Answer& answer) {
+    const auto start = std::chrono::steady_clock::now();
     cimxml::Message message;
     message.method = request.method;
     for (const auto& header : request.headers) {
@@ -153,7 +223,37 @@ void Server::AnswerRequest(const http::Request& request, http::Answer& answer) {
     message.user = request.user;
     message.mayChange = MayChange(request.user);
     AnswerOutput output(answer);
-    cimxml::Answer(message, *operations_, output);
+    cimxml::Outcome outcome;
+    try {
+        outcome = cimxml::Answer(message, *operations_, output, xmlLimits_);
+    } catch (...) {
+        constexpr int internalServerError = 500;
+        outcome.httpStatus = internalServerError;
+        Record(request, outcome, start);
+        throw;
+    }
+    Record(request, outcome, start);
+}
+
+void Server::Record(const http::Request& request, const cimxml::Outcome& outcome,
+                    std::chrono::steady_clock::time_point start) {
+    if (outcome.reached) {
+        limitLog_.Reached(ItemOf(*outcome.reached), request.clientAddress);
+    }
+    if (!log_.LogsRequests()) {
+        return;
+    }
+    const std::string text = TextOf(outcome);
+    RequestRecord record;
+    record.client = request.clientAddress;
+    record.user = request.user;
+    record.operation = outcome.operation;
+    record.className = outcome.className;
+    record.method = outcome.method;
+    record.outcome = text;
+    record.duration = std::chrono::duration_cast<std::chrono::microseconds>(
+        std::chrono::steady_clock::now() - start);
+    log_.Request(record);
 }
 
 } // namespace cimserver

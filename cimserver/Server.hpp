@@ -2,14 +2,16 @@
 #pragma once
 
 #include "cimserver/Configuration.hpp"
+#include "cimserver/LimitLog.hpp"
+#include "cimserver/Log.hpp"
 #include "cimserver/Settings.hpp"
+#include "cimserver/cimxml/CimXml.hpp"
 #include "cimserver/host/Host.hpp"
 #include "cimserver/http/Http.hpp"
 #include "cimserver/mof/Mof.hpp"
 #include "cimserver/operations/Operations.hpp"
 
-#include "OW_Logger.hpp"
-
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <mutex>
@@ -20,12 +22,11 @@ namespace cimserver {
 
 /// Serves from construction on. The destructor stops listening, lets running calls end, then drops
 /// the providers on its own thread.
-class Server {
+class Server final : private http::Observer {
 public:
-    /// `configuration` is what providers may ask for; it must outlive the server. Throws MofError,
-    /// ListenError, CredentialError.
-    Server(const Settings& settings, const Configuration& configuration,
-           const OpenWBEM::LoggerRef& logger);
+    /// `configuration` is what providers may ask for; it and the log must outlive the server.
+    /// Throws MofError, ListenError, CredentialError.
+    Server(const Settings& settings, const Configuration& configuration, Log& log);
 
     /// The addresses really listened on: `http://127.0.0.1:5988`; those with TLS last.
     const std::vector<std::string>& Urls() const { return urls_; }
@@ -37,14 +38,19 @@ public:
     std::vector<std::string> ReloadCredentials(const AccessSettings& access);
 
 private:
-    void Listen(const std::vector<std::string>& addresses, std::uint16_t port,
-                const std::shared_ptr<http::Certificate>& certificate,
+    void Listen(const std::vector<std::string>& addresses, http::Settings listener,
                 const AccessSettings& access);
     bool MayChange(const std::string& user) const;
+    void Reached(http::Limit limit, const std::string& clientAddress) override;
+    void Refused(int status, const std::string& clientAddress) override;
     void AnswerRequest(const http::Request& request, http::Answer& answer);
+    void Record(const http::Request& request, const cimxml::Outcome& outcome,
+                std::chrono::steady_clock::time_point start);
 
     // In the order of life: each uses only those before it.
-    const OpenWBEM::LoggerRef logger_;
+    Log& log_;
+    LimitLog limitLog_;
+    const cimxml::XmlLimits xmlLimits_;
     const std::shared_ptr<http::Users> users_;             ///< null: there are none
     const std::shared_ptr<http::Certificate> certificate_; ///< null: there is no TLS
     mutable std::mutex writersMutex_;

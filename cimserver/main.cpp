@@ -24,7 +24,9 @@ ExitCode Run(int argc, const char* const* argv) {
     const Settings settings = ReadSettings(configuration, DefaultProviderDirectory());
     SettleDescriptors();
     const StopSignal stop;
-    const Server server(settings, configuration, MakeLogger(settings.logLevel));
+    Log log(settings.logLevel, settings.LogFile());
+    log.SetRequests(settings.requestLog);
+    const Server server(settings, configuration, log);
     for (const auto& url : server.Urls()) {
         WriteReadinessLine("Listening on " + url);
     }

@@ -97,7 +97,7 @@ TEST_F(AccessItems, EveryItemCounts) {
                  "cimserver.tls_addresses = 127.0.0.2 ::1\ncimserver.tls_key = " +
                  (directory / "pair.pem").string() +
                  "\nowcimomd.allowed_users = anna bert\ncimserver.writers = anna\n"
-                 "cimserver.failure_delay = 20\ncimserver.max_refused_body = 0\n"
+                 "cimserver.failure_milliseconds = 20\ncimserver.max_refused_body_bytes = 0\n"
                  "owcimomd.allow_anonymous = true\ncimserver.anonymous_from_anywhere = true\n"
                  "cimserver.plain_from_anywhere = true\n",
              mistakes);
@@ -208,7 +208,7 @@ TEST_F(AccessItems, ValuesOfTheWrongFormAreRefused) {
                 ElementsAre(HasSubstr("expected a whole number from -1 to 65535")));
     EXPECT_THAT(Mistakes(open + "cimserver.tls_addresses = localhost\n"),
                 ElementsAre(HasSubstr("`localhost` is no numeric IPv4 or IPv6 address")));
-    EXPECT_THAT(Mistakes(open + "cimserver.failure_delay = -1\n"),
+    EXPECT_THAT(Mistakes(open + "cimserver.failure_milliseconds = -1\n"),
                 ElementsAre(HasSubstr("expected a whole number from 0 to 60000")));
 }
 
