@@ -107,7 +107,7 @@ class Demo(Tree):
 
 class Serve(Tree):
     def greeting(self, process):
-        return [process.stdout.readline() for _ in range(4)]
+        return [process.stdout.readline() for _ in range(5)]
 
     def test_greets_serves_and_stops(self):
         for number in (signal.SIGTERM, signal.SIGINT):
@@ -115,7 +115,8 @@ class Serve(Tree):
             lines = self.greeting(process)
             url = re.match(r"CIM server at (http://127\.0\.0\.1:\d+), namespace root/cimv2\.", lines[0])
             self.assertTrue(url, lines)
-            commands = [line.strip() for line in lines[1:]]
+            self.assertIn("let in and may change everything (owcimomd.allow_anonymous", lines[1])
+            commands = [line.strip() for line in lines[2:]]
             self.assertEqual(len(commands), 3)
             for command in commands:
                 self.assertIn(url[1], command)

@@ -18,6 +18,7 @@ namespace test_support {
 namespace {
 
 const std::string listening = "Listening on http://127.0.0.1:";
+const std::string listeningWithTls = "Listening on https://127.0.0.1:";
 
 std::vector<std::string> CommandLine(const std::string& configFile,
                                      const std::vector<std::string>& more) {
@@ -60,6 +61,15 @@ std::string TemporaryFile(const char* pattern) {
     return name;
 }
 
+/// 0 when the line is not there yet.
+std::uint16_t PortAfter(const std::string& beginning, const std::string& log) {
+    const std::size_t at = log.find(beginning);
+    if (at == std::string::npos || log.find('\n', at) == std::string::npos) {
+        return 0;
+    }
+    return static_cast<std::uint16_t>(std::stoul(log.substr(at + beginning.size())));
+}
+
 double MemoryOf(pid_t process, const std::string& item) {
     std::ifstream status("/proc/" + std::to_string(process) + "/status");
     std::string word;
@@ -100,10 +110,8 @@ void ServerProcess::RemoveFiles() const {
 void ServerProcess::WaitUntilItListens() {
     const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(30);
     while (std::chrono::steady_clock::now() < limit) {
-        const std::string log = Log();
-        const std::size_t at = log.find(listening);
-        if (at != std::string::npos && log.find('\n', at) != std::string::npos) {
-            port_ = static_cast<std::uint16_t>(std::stoul(log.substr(at + listening.size())));
+        port_ = PortAfter(listening, Log());
+        if (port_ != 0) {
             return;
         }
         int status = 0;
@@ -119,6 +127,17 @@ void ServerProcess::WaitUntilItListens() {
     const std::string said = Log();
     RemoveFiles();
     throw std::runtime_error("the server did not tell its port: " + said);
+}
+
+std::uint16_t ServerProcess::TlsPort() const {
+    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    while (std::chrono::steady_clock::now() < limit) {
+        if (const std::uint16_t port = PortAfter(listeningWithTls, Log())) {
+            return port;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    throw std::runtime_error("the server did not tell its TLS port: " + Log());
 }
 
 int ServerProcess::Stop() {

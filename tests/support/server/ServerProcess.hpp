@@ -21,6 +21,8 @@ public:
     ServerProcess& operator=(const ServerProcess&) = delete;
 
     std::uint16_t Port() const { return port_; }
+    /// That of 127.0.0.1 with TLS, when there is one. Throws std::runtime_error.
+    std::uint16_t TlsPort() const;
     pid_t Pid() const { return process_; }
     /// Sends SIGTERM and waits; the exit code, or 128 + signal. Later calls return the same.
     int Stop();
