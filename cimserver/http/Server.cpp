@@ -103,7 +103,9 @@ Server::Daemon::Daemon(const Settings& chosen, Handler chosenHandler)
     if (settings.spoolDirectory.empty()) {
         settings.spoolDirectory = TemporaryDirectory();
     }
-    ListeningSocket socket(settings.address, settings.port);
+    ListeningSocket socket = settings.descriptor >= 0
+                                 ? ListeningSocket(settings.descriptor)
+                                 : ListeningSocket(settings.address, settings.port);
     port = socket.Port();
     constexpr unsigned flags =
         MHD_USE_THREAD_PER_CONNECTION | MHD_USE_INTERNAL_POLLING_THREAD | MHD_USE_POLL;
