@@ -147,25 +147,28 @@ Server::Server(const Settings& settings, const Configuration& configuration, Log
     http::Settings listener = ListenerSettings(settings, *this);
     if (settings.port) {
         listener.port = *settings.port;
-        Listen(settings.addresses, listener, settings.access);
+        Listen(settings.addresses, settings.sockets, listener, settings.access);
     }
     if (settings.access.tlsPort) {
         const auto& own = settings.access.tlsAddresses;
         listener.port = *settings.access.tlsPort;
         listener.certificate = certificate_;
-        Listen(own.empty() ? settings.addresses : own, listener, settings.access);
+        Listen(own.empty() ? settings.addresses : own, settings.tlsSockets, listener,
+               settings.access);
     }
 }
 
-void Server::Listen(const std::vector<std::string>& addresses, http::Settings listener,
-                    const AccessSettings& access) {
+void Server::Listen(const std::vector<std::string>& addresses, const std::vector<int>& sockets,
+                    http::Settings listener, const AccessSettings& access) {
     listener.access.users = users_;
     listener.access.failureDelay = access.failureDelay;
     listener.access.maxRefusedBodyBytes = access.maxRefusedBodyBytes;
     listener.access.log = RefusalLog(log_.Logger());
     const char* scheme = listener.certificate == nullptr ? "http" : "https";
-    for (const auto& address : addresses) {
+    for (std::size_t i = 0; i < addresses.size(); ++i) {
+        const std::string& address = addresses[i];
         listener.address = address;
+        listener.descriptor = sockets.empty() ? -1 : sockets.at(i);
         listener.access.isAnonymous = access.IsAnonymousOn(address);
         listeners_.push_back(std::make_unique<http::Server>(
             listener, [this](const http::Request& request, http::Answer& answer) {

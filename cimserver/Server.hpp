@@ -38,8 +38,8 @@ public:
     std::vector<std::string> ReloadCredentials(const AccessSettings& access);
 
 private:
-    void Listen(const std::vector<std::string>& addresses, http::Settings listener,
-                const AccessSettings& access);
+    void Listen(const std::vector<std::string>& addresses, const std::vector<int>& sockets,
+                http::Settings listener, const AccessSettings& access);
     bool MayChange(const std::string& user) const;
     void Reached(http::Limit limit, const std::string& clientAddress) override;
     void Refused(int status, const std::string& clientAddress) override;

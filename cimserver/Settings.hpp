@@ -71,6 +71,10 @@ struct Settings {
     std::vector<std::string> addresses; ///< numeric IPv4 or IPv6, of listeners without TLS
     std::optional<std::uint16_t> port;  ///< absent: none without TLS; 0: any free port
     AccessSettings access;
+    /// Those that listen on the addresses already, without and with TLS, in the same order; none:
+    /// the server opens its own. No item says so.
+    std::vector<int> sockets;
+    std::vector<int> tlsSockets;
     std::vector<std::filesystem::path> providerDirectories;
     std::chrono::minutes providerIdle{}; ///< negative: providers stay
     std::vector<std::filesystem::path> mofFiles;

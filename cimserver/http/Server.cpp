@@ -161,7 +161,9 @@ Server::Daemon::Daemon(const Settings& chosen, Handler chosenHandler)
     if (settings.spoolDirectory.empty()) {
         settings.spoolDirectory = TemporaryDirectory();
     }
-    ListeningSocket socket(settings.address, settings.port);
+    ListeningSocket socket = settings.descriptor >= 0
+                                 ? ListeningSocket(settings.descriptor)
+                                 : ListeningSocket(settings.address, settings.port);
     port = socket.Port();
     Start(socket.Descriptor());
     // The HTTP library closes the socket, some of its failures included.
