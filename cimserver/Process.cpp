@@ -113,4 +113,10 @@ std::filesystem::path ProgramDirectory() {
     return std::filesystem::read_symlink("/proc/self/exe").parent_path();
 }
 
+std::string HostName() {
+    std::array<char, HOST_NAME_MAX + 1> name{};
+    const bool isNamed = gethostname(name.data(), name.size() - 1) == 0 && name[0] != '\0';
+    return isNamed ? name.data() : "localhost";
+}
+
 } // namespace cimserver

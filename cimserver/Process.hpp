@@ -8,6 +8,7 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
 
 namespace cimserver {
 
@@ -36,5 +37,8 @@ private:
 
 /// The directory in which the running program stands. Throws std::system_error.
 std::filesystem::path ProgramDirectory();
+
+/// The name of this machine; `localhost` when it has none.
+std::string HostName();
 
 } // namespace cimserver

@@ -1,31 +1,63 @@
 #include "cimserver/CommandLine.hpp"
+#include "cimserver/Commands.hpp"
 #include "cimserver/Configuration.hpp"
 #include "cimserver/Log.hpp"
+#include "cimserver/PassedListeners.hpp"
 #include "cimserver/Process.hpp"
+#include "cimserver/Reload.hpp"
 #include "cimserver/Server.hpp"
+#include "cimserver/ServiceManager.hpp"
 #include "cimserver/Settings.hpp"
 
 #include <exception>
 #include <iostream>
+#include <sstream>
 
 namespace cimserver {
 
 namespace {
 
+/// The same configuration as at the start, from a file that may have changed.
+Configuration ReadAgain(int argc, const char* const* argv, const ServiceManager& manager) {
+    Configuration configuration;
+    std::ostringstream unused;
+    ReadCommandLine(argc, argv, configuration, unused, unused);
+    OverrideAddresses(manager.Sockets(), configuration);
+    return configuration;
+}
+
 ExitCode Run(int argc, const char* const* argv) {
+    if (const auto done = RunCommand(argc, argv, std::cout, std::cerr)) {
+        return *done;
+    }
+    const ServiceManager manager;
     Configuration configuration;
     if (const auto done = ReadCommandLine(argc, argv, configuration, std::cout, std::cerr)) {
         return *done;
     }
-    const Settings settings =
-        ReadSettings(configuration, (ProgramDirectory() / "../lib/providers").lexically_normal());
+    OverrideAddresses(manager.Sockets(), configuration);
+    Settings settings = ReadSettings(configuration, DefaultProviderDirectory());
+    settings.sockets = PlainSockets(manager.Sockets());
+    settings.tlsSockets = TlsSockets(manager.Sockets());
     SettleDescriptors();
     const StopSignal stop;
-    const Server server(settings, configuration, MakeLogger(settings.logLevel));
+    Log log(settings.logLevel, settings.LogFile());
+    log.SetRequests(settings.requestLog);
+    Server server(settings, configuration, log);
+    const Reload reload(
+        configuration, [&] { return ReadAgain(argc, argv, manager); }, log,
+        {[&](const Settings& now) { return server.ReloadCredentials(now.access); }});
+    const ReloadSignal reloads([&] {
+        manager.Reloading();
+        reload();
+        manager.Ready();
+    });
     for (const auto& url : server.Urls()) {
         WriteReadinessLine("Listening on " + url);
     }
+    manager.Ready();
     stop.Wait();
+    manager.Stopping();
     return exitDone;
 }
 

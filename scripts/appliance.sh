@@ -52,9 +52,9 @@ start_updates_server() {
     exec {line}<&-
 }
 
-# Sets $server_command to a server on that port. It asks for no password, so it is for this machine only.
+# Sets $server_command to a server on that port: everybody on this machine is let in and may change everything.
 make_server_command() {
-    echo "owcimomd.allow_anonymous = true" >"$appliance/cimserver.conf"
+    printf '%s\n' 'owcimomd.allow_anonymous = true' 'cimserver.writers = *' >"$appliance/cimserver.conf"
     server_command=(build/bin/cimserver --config "$appliance/cimserver.conf" --listen "127.0.0.1:$1"
         --provider-dir build/lib/providers --mof schema/qualifiers.mof schema/ZNX.mof)
 }

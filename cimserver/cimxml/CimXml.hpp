@@ -4,6 +4,8 @@
 
 #include "cimserver/operations/Operations.hpp"
 
+#include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -18,7 +20,8 @@ struct Message {
     std::string method; ///< POST or M-POST
     HeaderList headers;
     std::string_view body;
-    std::string user; ///< empty: anonymous
+    std::string user;       ///< empty: anonymous
+    bool mayChange = false; ///< what operations::Request says of it
 };
 
 /// What the transport sends before the text.
@@ -46,7 +49,30 @@ public:
     virtual void Trailers(const HeaderList& trailers) = 0;
 };
 
+struct XmlLimits {
+    std::size_t depth = 64;
+    std::size_t attributes = 32; ///< of one element
+    std::size_t elements = 20'000;
+    std::size_t keyBindings = 32; ///< of one instance name
+};
+
+enum class XmlLimit { depth, attributes, elements, keyBindings };
+
+/// What became of a message, for whoever keeps a record of it.
+struct Outcome {
+    std::string operation; ///< as the client wrote it, any bytes; empty: it was not read so far
+    std::string className; ///< the same, of the object that is asked; empty: none
+    std::string method;    ///< the same, when a method is called
+    int httpStatus = 200;
+    int cimError = 0; ///< DMTF DSP0200's number of the error in the answer; 0: none
+    std::optional<XmlLimit> reached;
+};
+
 /// Answers one message: a CIM error is part of the answer, never an exception.
-void Answer(const Message& message, operations::Executor& executor, Output& output);
+Outcome Answer(const Message& message, operations::Executor& executor, Output& output,
+               const XmlLimits& limits = {});
+
+/// `CIM_ERR_NOT_FOUND` of 6; `CIM_ERR_` and the number of one that the standard does not have.
+std::string ErrorName(int cimError);
 
 } // namespace cimserver::cimxml

@@ -67,6 +67,7 @@ public:
 
     Request request;
     bool begun = false;
+    bool refused = false; ///< not let in: answered with 401 once its body was passed over
     bool tooLarge = false;
     std::size_t discarded = 0;
 

@@ -2,6 +2,7 @@
 // Knows nothing of XML or CIM.
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -18,12 +19,14 @@ struct Header {
     std::string value;
 };
 
+/// No Authorization header is among the headers: what it says is `user`.
 struct Request {
     std::string method;
     std::string target;
     std::vector<Header> headers;
     std::string body;
     std::string clientAddress;
+    std::string user; ///< who proved to be that; empty: anonymous
 };
 
 /// What comes before an answer's text.
@@ -59,14 +62,60 @@ public:
 /// closes the connection within the answer when text has left.
 using Handler = std::function<void(const Request&, Answer&)>;
 
+class Certificate;
+class Users;
+
+/// Who is let in. Everybody else gets 401 before anything of the body is looked at.
+struct Access {
+    /// Without credentials. Credentials that are brought all the same have to be right where there
+    /// are users, and do not count where there are none.
+    bool isAnonymous = true;
+    std::shared_ptr<Users> users; ///< null: nobody has a password
+    /// How long the answer to wrong credentials takes at least.
+    std::chrono::milliseconds failureDelay{1000};
+    /// A longer body of a request that is refused is not read: the connection ends with the answer.
+    std::size_t maxRefusedBodyBytes = std::size_t{4} * 1024;
+    /// Takes a line for each refusal of credentials, from several threads at once. May be empty.
+    std::function<void(const std::string&)> log;
+};
+
+enum class Limit { headerBytes, bodyBytes, connections, connectionsOfAddress, requestTime };
+
+/// Is told what the service does by itself, without a handler. Called from several threads at once;
+/// must not throw.
+class Observer {
+public:
+    virtual ~Observer() = default;
+    virtual void Reached(Limit limit, const std::string& clientAddress) = 0;
+    /// A request got this status. 0: the HTTP library chose one, because the head was larger than
+    /// its memory or was none.
+    virtual void Refused(int status, const std::string& clientAddress) = 0;
+};
+
+class ConnectionWatch;
+
 struct Settings {
     std::string address = "127.0.0.1"; ///< IPv4 or IPv6 in numeric form
     std::uint16_t port = 5988;         ///< 0: any free port
-    unsigned maxConnections = 30;      ///< a connection above that is closed at once
+    /// A TCP socket that listens already, instead of address and port; it is the server's from then
+    /// on. -1: none.
+    int descriptor = -1;
+    unsigned maxConnections = 200; ///< a connection above that is closed at once
+    unsigned maxConnectionsPerAddress = 100;
+    std::size_t maxHeaderBytes = std::size_t{8} * 1024; ///< with the first line; at most 32 KiB
     std::size_t maxBodyBytes = std::size_t{1024} * 1024;
     unsigned idleSeconds = 300;
-    std::string spoolDirectory; ///< for large answers; empty: $TMPDIR, or /tmp
+    unsigned requestSeconds = 30; ///< for a whole request to arrive
+    std::string spoolDirectory;   ///< for large answers; empty: $TMPDIR, or /tmp
+    Observer* observer = nullptr; ///< outlives the server; null: nobody is told
+    /// The one whose limits this listener shares with others; null: one of its own.
+    std::shared_ptr<ConnectionWatch> watch;
+    Access access;
+    std::shared_ptr<Certificate> certificate; ///< null: no TLS
 };
+
+/// For listeners that share the limits of connections and requests of these settings.
+std::shared_ptr<ConnectionWatch> WatchTogether(const Settings& settings);
 
 /// The address cannot be listened on; the text says which and why.
 class ListenError : public std::runtime_error {

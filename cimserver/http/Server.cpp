@@ -1,19 +1,20 @@
+#include "cimserver/http/Admission.hpp"
+#include "cimserver/http/CertificateLoaded.hpp"
+#include "cimserver/http/ConnectionWatch.hpp"
 #include "cimserver/http/Exchange.hpp"
 #include "cimserver/http/Framing.hpp"
 #include "cimserver/http/Http.hpp"
 #include "cimserver/http/ListeningSocket.hpp"
 #include "cimserver/http/Sending.hpp"
 
-#include <array>
 #include <charconv>
 #include <cstring>
 #include <new>
 #include <system_error>
 #include <utility>
 
+#include <gnutls/abstract.h>
 #include <microhttpd.h>
-#include <netdb.h>
-#include <sys/socket.h>
 
 namespace cimserver::http {
 
@@ -28,20 +29,26 @@ constexpr std::size_t bytesReadInVain = 64 * 1024;
 /// once.
 constexpr std::size_t connectionMemory = AnswerQueue::blockSize + 4 * 1024;
 
+/// The HTTP library closes without a word what is above its own limit, which is therefore never
+/// met.
+constexpr unsigned connectionsBeyondOurs = 16;
+
 std::string ClientAddress(MHD_Connection* connection) {
     const MHD_ConnectionInfo* info =
         MHD_get_connection_info(connection, MHD_CONNECTION_INFO_CLIENT_ADDRESS);
-    if (info == nullptr || info->client_addr == nullptr) {
-        return {};
-    }
-    const sockaddr* address = info->client_addr;
-    const socklen_t length =
-        address->sa_family == AF_INET6 ? sizeof(sockaddr_in6) : sizeof(sockaddr_in);
-    std::array<char, NI_MAXHOST> text{};
-    if (getnameinfo(address, length, text.data(), text.size(), nullptr, 0, NI_NUMERICHOST) != 0) {
-        return {};
-    }
-    return text.data();
+    return info == nullptr ? std::string() : AddressText(info->client_addr);
+}
+
+/// Never null while a request of the connection is read.
+ConnectionWatch::Connection* Watched(MHD_Connection* connection) {
+    return static_cast<ConnectionWatch::Connection*>(
+        MHD_get_connection_info(connection, MHD_CONNECTION_INFO_SOCKET_CONTEXT)->socket_context);
+}
+
+std::size_t HeaderSize(MHD_Connection* connection) {
+    const MHD_ConnectionInfo* info =
+        MHD_get_connection_info(connection, MHD_CONNECTION_INFO_REQUEST_HEADER_SIZE);
+    return info == nullptr ? 0 : info->header_size;
 }
 
 MHD_Result AddHeader(void* list, MHD_ValueKind /*kind*/, const char* name, const char* value) {
@@ -60,6 +67,58 @@ std::uint64_t AnnouncedLength(MHD_Connection* connection) {
     return length;
 }
 
+bool IsChunked(MHD_Connection* connection) {
+    return MHD_lookup_connection_value(connection, MHD_HEADER_KIND,
+                                       MHD_HTTP_HEADER_TRANSFER_ENCODING) != nullptr;
+}
+
+MHD_Result SendUnauthorized(MHD_Connection* connection) {
+    MHD_Response* response = MHD_create_response_from_buffer(0, nullptr, MHD_RESPMEM_PERSISTENT);
+    if (response == nullptr) {
+        return MHD_NO;
+    }
+    MHD_add_response_header(response, MHD_HTTP_HEADER_WWW_AUTHENTICATE,
+                            "Basic realm=\"cimserver\", charset=\"UTF-8\"");
+    const MHD_Result result = MHD_queue_response(connection, MHD_HTTP_UNAUTHORIZED, response);
+    MHD_destroy_response(response);
+    return result;
+}
+
+/// Gives a connection that begins the certificate of this moment, whatever the HTTP library would
+/// take. What is returned has to live as long as the connection.
+std::shared_ptr<const Certificate::Loaded> UseCertificate(MHD_Connection* connection,
+                                                          const Certificate* certificate) {
+    const MHD_ConnectionInfo* info =
+        MHD_get_connection_info(connection, MHD_CONNECTION_INFO_GNUTLS_SESSION);
+    if (certificate == nullptr || info == nullptr) {
+        return nullptr;
+    }
+    auto loaded = certificate->Current();
+    gnutls_credentials_set(static_cast<gnutls_session_t>(info->tls_session), GNUTLS_CRD_CERTIFICATE,
+                           loaded->credentials);
+    return loaded;
+}
+
+/// The HTTP library wants a certificate at its start; this stands for those that UseCertificate
+/// gives.
+int NoOtherCertificate(gnutls_session_t /*session*/, const gnutls_datum_t* /*names*/,
+                       int /*nameCount*/, const gnutls_pk_algorithm_t* /*algorithms*/,
+                       int /*algorithmCount*/, gnutls_pcert_st** /*certificate*/,
+                       unsigned* /*length*/, gnutls_privkey_t* /*key*/) {
+    return -1;
+}
+
+std::vector<MHD_OptionItem> NoOptions() {
+    return {{MHD_OPTION_END, 0, nullptr}};
+}
+
+std::vector<MHD_OptionItem> TlsOptions() {
+    static std::string priorities = tlsPriorities; // the library takes no constant
+    return {{MHD_OPTION_HTTPS_PRIORITIES, 0, priorities.data()},
+            {MHD_OPTION_HTTPS_CERT_CALLBACK, 0, reinterpret_cast<void*>(&NoOtherCertificate)},
+            {MHD_OPTION_END, 0, nullptr}};
+}
+
 } // namespace
 
 struct Server::Daemon {
@@ -68,6 +127,9 @@ struct Server::Daemon {
     Daemon(const Daemon&) = delete;
     Daemon& operator=(const Daemon&) = delete;
 
+    static MHD_Result Accept(void* self, const sockaddr* address, socklen_t size);
+    static void Notice(void* self, MHD_Connection* connection, void** watched,
+                       MHD_ConnectionNotificationCode what);
     static void* Begin(void* self, const char* target, MHD_Connection* connection);
     static MHD_Result Receive(void* self, MHD_Connection* connection, const char* url,
                               const char* method, const char* version, const char* data,
@@ -75,33 +137,35 @@ struct Server::Daemon {
     static void End(void* self, MHD_Connection* connection, void** state,
                     MHD_RequestTerminationCode reason);
 
+    void Start(int socket);
+    MHD_Result Refuse(MHD_Connection* connection, int status, const Exchange& exchange) const;
+    void TellOfLimit(Limit limit, const Exchange& exchange) const;
     MHD_Result TakeHead(MHD_Connection* connection, const char* method, const char* version,
-                        Exchange& exchange) const;
+                        Exchange& exchange);
     MHD_Result TakeBody(Exchange& exchange, const char* data, std::size_t& size) const;
     MHD_Result AnswerRequest(MHD_Connection* connection, const char* version,
                              Exchange& exchange) const;
 
     Settings settings;
     Handler handler;
+    std::shared_ptr<ConnectionWatch> watch;
+    Admission admission;
     std::uint16_t port = 0;
     MHD_Daemon* daemon = nullptr;
 };
 
 Server::Daemon::Daemon(const Settings& chosen, Handler chosenHandler)
-    : settings(chosen), handler(std::move(chosenHandler)) {
+    : settings(chosen), handler(std::move(chosenHandler)),
+      watch(settings.watch != nullptr ? settings.watch : WatchTogether(settings)),
+      admission(chosen.access) {
     if (settings.spoolDirectory.empty()) {
         settings.spoolDirectory = TemporaryDirectory();
     }
-    ListeningSocket socket(settings.address, settings.port);
+    ListeningSocket socket = settings.descriptor >= 0
+                                 ? ListeningSocket(settings.descriptor)
+                                 : ListeningSocket(settings.address, settings.port);
     port = socket.Port();
-    constexpr unsigned flags =
-        MHD_USE_THREAD_PER_CONNECTION | MHD_USE_INTERNAL_POLLING_THREAD | MHD_USE_POLL;
-    daemon = MHD_start_daemon(
-        flags, port, nullptr, nullptr, &Receive, this, MHD_OPTION_LISTEN_SOCKET,
-        socket.Descriptor(), MHD_OPTION_CONNECTION_MEMORY_LIMIT, connectionMemory,
-        MHD_OPTION_CONNECTION_LIMIT, settings.maxConnections, MHD_OPTION_CONNECTION_TIMEOUT,
-        settings.idleSeconds, MHD_OPTION_URI_LOG_CALLBACK, &Begin, this,
-        MHD_OPTION_NOTIFY_COMPLETED, &End, this, MHD_OPTION_END);
+    Start(socket.Descriptor());
     // The HTTP library closes the socket, some of its failures included.
     socket.Release();
     if (daemon == nullptr) {
@@ -110,11 +174,62 @@ Server::Daemon::Daemon(const Settings& chosen, Handler chosenHandler)
     }
 }
 
+void Server::Daemon::Start(int socket) {
+    const bool hasTls = settings.certificate != nullptr;
+    constexpr unsigned usual =
+        MHD_USE_THREAD_PER_CONNECTION | MHD_USE_INTERNAL_POLLING_THREAD | MHD_USE_POLL;
+    auto options = hasTls ? TlsOptions() : NoOptions();
+    daemon = MHD_start_daemon(
+        hasTls ? usual | MHD_USE_TLS : usual, port, &Accept, this, &Receive, this,
+        MHD_OPTION_LISTEN_SOCKET, socket, MHD_OPTION_CONNECTION_MEMORY_LIMIT, connectionMemory,
+        MHD_OPTION_CONNECTION_LIMIT, settings.maxConnections + connectionsBeyondOurs,
+        MHD_OPTION_CONNECTION_TIMEOUT, settings.idleSeconds, MHD_OPTION_NOTIFY_CONNECTION, &Notice,
+        this, MHD_OPTION_URI_LOG_CALLBACK, &Begin, this, MHD_OPTION_NOTIFY_COMPLETED, &End, this,
+        MHD_OPTION_ARRAY, options.data(), MHD_OPTION_END);
+}
+
 Server::Daemon::~Daemon() {
+    admission.EndDelays();
     MHD_stop_daemon(daemon);
 }
 
-void* Server::Daemon::Begin(void* /*self*/, const char* target, MHD_Connection* /*connection*/) {
+MHD_Result Server::Daemon::Accept(void* self, const sockaddr* address, socklen_t /*size*/) {
+    try {
+        return static_cast<const Daemon*>(self)->watch->HasRoomFor(address) ? MHD_YES : MHD_NO;
+    } catch (const std::bad_alloc&) {
+        return MHD_NO;
+    }
+}
+
+void Server::Daemon::Notice(void* self, MHD_Connection* connection, void** watched,
+                            MHD_ConnectionNotificationCode what) {
+    const Daemon& daemon = *static_cast<const Daemon*>(self);
+    ConnectionWatch& watch = *daemon.watch;
+    if (what == MHD_CONNECTION_NOTIFY_CLOSED) {
+        if (*watched != nullptr) {
+            watch.Closed(static_cast<ConnectionWatch::Connection*>(*watched));
+        }
+        return;
+    }
+    const auto* address = MHD_get_connection_info(connection, MHD_CONNECTION_INFO_CLIENT_ADDRESS);
+    const auto* socket = MHD_get_connection_info(connection, MHD_CONNECTION_INFO_CONNECTION_FD);
+    try {
+        const Certificate* certificate = daemon.settings.certificate.get();
+        auto* opened =
+            watch.Opened(socket->connect_fd, address->client_addr, certificate == nullptr);
+        opened->certificate = UseCertificate(connection, certificate);
+        *watched = opened;
+    } catch (const std::bad_alloc&) {
+        *watched = nullptr;
+    }
+}
+
+void* Server::Daemon::Begin(void* self, const char* target, MHD_Connection* connection) {
+    auto* watched = Watched(connection);
+    if (watched == nullptr) {
+        return nullptr;
+    }
+    static_cast<const Daemon*>(self)->watch->RequestBegins(*watched);
     try {
         return std::make_unique<Exchange>(target).release();
     } catch (const std::bad_alloc&) {
@@ -122,16 +237,26 @@ void* Server::Daemon::Begin(void* /*self*/, const char* target, MHD_Connection* 
     }
 }
 
-void Server::Daemon::End(void* /*self*/, MHD_Connection* /*connection*/, void** state,
-                         MHD_RequestTerminationCode /*reason*/) {
-    delete static_cast<Exchange*>(*state);
+void Server::Daemon::End(void* self, MHD_Connection* connection, void** state,
+                         MHD_RequestTerminationCode reason) {
+    const Daemon& daemon = *static_cast<const Daemon*>(self);
+    const std::unique_ptr<Exchange> exchange(static_cast<Exchange*>(*state));
     *state = nullptr;
+    const bool hasAnswer = reason == MHD_REQUEST_TERMINATED_COMPLETED_OK ||
+                           reason == MHD_REQUEST_TERMINATED_WITH_ERROR;
+    if (exchange != nullptr && !exchange->begun && hasAnswer &&
+        daemon.settings.observer != nullptr) {
+        daemon.settings.observer->Refused(0, ClientAddress(connection));
+    }
+    if (auto* watched = Watched(connection)) {
+        daemon.watch->RequestEnds(*watched);
+    }
 }
 
 MHD_Result Server::Daemon::Receive(void* self, MHD_Connection* connection, const char* /*url*/,
                                    const char* method, const char* version, const char* data,
                                    std::size_t* size, void** state) {
-    const Daemon& daemon = *static_cast<const Daemon*>(self);
+    Daemon& daemon = *static_cast<Daemon*>(self);
     auto* exchange = static_cast<Exchange*>(*state);
     if (exchange == nullptr) {
         return MHD_NO;
@@ -150,27 +275,62 @@ MHD_Result Server::Daemon::Receive(void* self, MHD_Connection* connection, const
     }
 }
 
+void Server::Daemon::TellOfLimit(Limit limit, const Exchange& exchange) const {
+    if (settings.observer != nullptr) {
+        settings.observer->Reached(limit, exchange.request.clientAddress);
+    }
+}
+
+MHD_Result Server::Daemon::Refuse(MHD_Connection* connection, int status,
+                                  const Exchange& exchange) const {
+    if (!watch->RequestIsWhole(*Watched(connection))) {
+        return MHD_NO;
+    }
+    if (settings.observer != nullptr) {
+        settings.observer->Refused(status, exchange.request.clientAddress);
+    }
+    return status == MHD_HTTP_UNAUTHORIZED
+               ? SendUnauthorized(connection)
+               : SendBareStatus(connection, static_cast<unsigned>(status));
+}
+
 MHD_Result Server::Daemon::TakeHead(MHD_Connection* connection, const char* method,
-                                    const char* version, Exchange& exchange) const {
+                                    const char* version, Exchange& exchange) {
     exchange.request.method = method;
     exchange.request.clientAddress = ClientAddress(connection);
+    if (HeaderSize(connection) > settings.maxHeaderBytes) {
+        TellOfLimit(Limit::headerBytes, exchange);
+        return Refuse(connection, MHD_HTTP_REQUEST_HEADER_FIELDS_TOO_LARGE, exchange);
+    }
     MHD_get_connection_values(connection, MHD_HEADER_KIND, &AddHeader, &exchange.request.headers);
     if (const auto fault = FramingFault(exchange.request, version)) {
-        return SendBareStatus(connection, static_cast<unsigned>(*fault));
+        return Refuse(connection, *fault, exchange);
     }
-    if (AnnouncedLength(connection) > settings.maxBodyBytes) {
-        return SendBareStatus(connection, MHD_HTTP_CONTENT_TOO_LARGE);
+    const std::uint64_t length = AnnouncedLength(connection);
+    if (!admission.Admits(exchange.request)) {
+        exchange.refused = true;
+        const bool isRead = length <= settings.access.maxRefusedBodyBytes && !IsChunked(connection);
+        return isRead ? MHD_YES : Refuse(connection, MHD_HTTP_UNAUTHORIZED, exchange);
+    }
+    if (length > settings.maxBodyBytes) {
+        TellOfLimit(Limit::bodyBytes, exchange);
+        return Refuse(connection, MHD_HTTP_CONTENT_TOO_LARGE, exchange);
     }
     return MHD_YES;
 }
 
 MHD_Result Server::Daemon::TakeBody(Exchange& exchange, const char* data, std::size_t& size) const {
     const std::size_t count = std::exchange(size, 0);
+    if (exchange.refused) {
+        return MHD_YES;
+    }
     if (!exchange.tooLarge && count <= settings.maxBodyBytes - exchange.request.body.size()) {
         exchange.request.body.append(data, count);
         return MHD_YES;
     }
-    exchange.tooLarge = true;
+    if (!std::exchange(exchange.tooLarge, true)) {
+        TellOfLimit(Limit::bodyBytes, exchange);
+    }
     exchange.discarded += count;
     exchange.request.body = {};
     return exchange.discarded <= bytesReadInVain ? MHD_YES : MHD_NO;
@@ -178,14 +338,20 @@ MHD_Result Server::Daemon::TakeBody(Exchange& exchange, const char* data, std::s
 
 MHD_Result Server::Daemon::AnswerRequest(MHD_Connection* connection, const char* version,
                                          Exchange& exchange) const {
+    if (exchange.refused) {
+        return Refuse(connection, MHD_HTTP_UNAUTHORIZED, exchange);
+    }
     if (exchange.tooLarge) {
-        return SendBareStatus(connection, MHD_HTTP_CONTENT_TOO_LARGE);
+        return Refuse(connection, MHD_HTTP_CONTENT_TOO_LARGE, exchange);
+    }
+    if (!watch->RequestIsWhole(*Watched(connection))) {
+        return MHD_NO;
     }
     try {
         const bool canStream = TakesTrailers(exchange.request, version);
         return Send(connection, exchange.Make(handler, canStream, settings.spoolDirectory));
     } catch (const std::system_error&) {
-        return SendBareStatus(connection, MHD_HTTP_SERVICE_UNAVAILABLE);
+        return Refuse(connection, MHD_HTTP_SERVICE_UNAVAILABLE, exchange);
     }
 }
 
@@ -194,6 +360,10 @@ Server::Server(const Settings& settings, Handler handler)
 }
 
 Server::~Server() = default;
+
+std::shared_ptr<ConnectionWatch> WatchTogether(const Settings& settings) {
+    return std::make_shared<ConnectionWatch>(settings);
+}
 
 std::uint16_t Server::Port() const {
     return daemon_->port;

@@ -21,11 +21,26 @@ constexpr bool asksSchemaOnly =
     std::is_same_v<CallType, EnumerateClassNames> || std::is_same_v<CallType, GetQualifier> ||
     std::is_same_v<CallType, EnumerateQualifiers>;
 
+template <class CallType>
+constexpr bool changes =
+    std::is_same_v<CallType, CreateInstance> || std::is_same_v<CallType, ModifyInstance> ||
+    std::is_same_v<CallType, DeleteInstance> || std::is_same_v<CallType, SetProperty> ||
+    std::is_same_v<CallType, InvokeMethod>;
+
 OpenWBEM::String WithoutSlashes(OpenWBEM::String nameSpace) {
     while (nameSpace.startsWith("/")) {
         nameSpace = nameSpace.substring(1);
     }
     return nameSpace;
+}
+
+void CheckAllowed(const Request& request) {
+    const bool isChange = std::visit(
+        [](const auto& call) { return changes<std::decay_t<decltype(call)>>; }, request.call);
+    if (isChange && !request.mayChange) {
+        const std::string who = request.user.empty() ? "anonymous clients" : request.user;
+        OW_THROWCIMMSG(OpenWBEM::CIMException::ACCESS_DENIED, (who + " may only read").c_str());
+    }
 }
 
 void CheckSupported(const Call& call) {
@@ -48,9 +63,10 @@ Operations::Operations(const mof::Schema& schema, host::ProviderSource& provider
       hostName_(std::move(hostName)) {
 }
 
-// Of several faults the standard's order counts: operation, namespace, parameters, class.
+// Of several faults the standard's order counts: right, operation, namespace, parameters, class.
 void Operations::Execute(const Request& request, ResultSink& sink) {
     try {
+        CheckAllowed(request);
         CheckSupported(request.call);
         const Surroundings around{schema_, providers_, WithoutSlashes(request.nameSpace), hostName_,
                                   request.user};

@@ -143,6 +143,8 @@ struct Request {
     OpenWBEM::String nameSpace; ///< without leading slash
     std::string user;           ///< empty: anonymous
     Call call;
+    /// The user may call methods, create, modify, delete and set; otherwise he may only read.
+    bool mayChange = false;
 };
 
 /// Takes the results of one call in order; which of these are called follows from the call, and

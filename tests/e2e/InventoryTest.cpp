@@ -80,7 +80,7 @@ TEST_F(Inventory, TheCartridgeShowsItsVersionOnly) {
 
 TEST_F(Inventory, TheCartridgesNameComesFromTheConfiguration) {
     const std::string file = tool_.Directory() / "cimserver.conf";
-    std::ofstream(file) << "qv.em_filename = linux-image-amd64\n";
+    std::ofstream(file) << "owcimomd.allow_anonymous = true\nqv.em_filename = linux-image-amd64\n";
     StartServer({"--config", file});
     EXPECT_THAT(Ask("ein", "ZNX_ElementManagerCartridgeVersionInfo"),
                 ElementsAre(R"(ZNX_ElementManagerCartridgeVersionInfo.Version="6.1.123-1")"));

@@ -9,8 +9,6 @@
 #include <sys/wait.h>
 
 namespace e2e {
-namespace {
-
 ClientRun RunAtShell(const std::string& command) {
     ClientRun run;
     std::FILE* pipe = popen((command + " 2>&1").c_str(), "re");
@@ -26,8 +24,6 @@ ClientRun RunAtShell(const std::string& command) {
     run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
     return run;
 }
-
-} // namespace
 
 std::vector<std::string> ClientRun::Lines() const {
     std::vector<std::string> lines;

@@ -21,6 +21,9 @@ struct ClientRun {
     std::vector<std::string> Lines() const;
 };
 
+/// Throws std::runtime_error when there is no shell.
+ClientRun RunAtShell(const std::string& command);
+
 class OverHttp : public testing::Test {
 protected:
     /// Starts the server; the environment must be as the tool shall see it.

@@ -190,11 +190,12 @@ TEST(RequestToOperation, EveryOtherOperationIsHandedOnByName) {
     }
 }
 
-TEST(RequestToOperation, NamespaceAndUserArrive) {
+TEST(RequestToOperation, NamespaceUserAndRightArrive) {
     FakeExecutor executor;
     Ask(IntrinsicCall("EnumerateClassNames", ""), executor);
     EXPECT_EQ(executor.last->nameSpace, "root/cimv2");
     EXPECT_EQ(executor.last->user, "somebody");
+    EXPECT_TRUE(executor.last->mayChange);
 }
 
 TEST(RequestToOperation, ALeadingSlashOfTheNamespaceIsDropped) {

@@ -56,7 +56,7 @@ Reply Ask(std::string_view body, cimserver::operations::Executor& executor,
           const cimserver::cimxml::HeaderList& headers, const std::string& method) {
     TextOutput output;
     Reply reply;
-    cimserver::cimxml::Answer({method, headers, body, "somebody"}, executor, output);
+    cimserver::cimxml::Answer({method, headers, body, "somebody", true}, executor, output);
     reply.status = output.head;
     reply.text = output.text;
     if (reply.status.httpStatus == 200) {

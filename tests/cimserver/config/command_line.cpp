@@ -1,4 +1,5 @@
 #include "cimserver/CommandLine.hpp"
+#include "cimserver/Items.hpp"
 #include "cimserver/Settings.hpp"
 
 #include <gmock/gmock.h>
@@ -50,11 +51,14 @@ TEST_F(CommandLine, NothingGivenSetsNothing) {
 }
 
 TEST_F(CommandLine, EveryOptionSetsItsItem) {
-    EXPECT_EQ(Read({"--listen", "127.0.0.1:0", "--provider-dir", "one", "--provider-dir", "two",
-                    "--mof", "a.mof", "b.mof", "--namespace", "root/x", "--log-level", "info"}),
+    EXPECT_EQ(Read({"--listen", "127.0.0.1:0", "--tls-listen", "[::1]:1", "--provider-dir", "one",
+                    "--provider-dir", "two", "--mof", "a.mof", "b.mof", "--namespace", "root/x",
+                    "--log-level", "info"}),
               std::nullopt);
     EXPECT_EQ(Item("http_server.listen_addresses"), "127.0.0.1");
     EXPECT_EQ(Item("http_server.http_port"), "0");
+    EXPECT_EQ(Item("cimserver.tls_addresses"), "::1");
+    EXPECT_EQ(Item("http_server.https_port"), "1");
     EXPECT_EQ(Item("cppprovifc.prov_location"), "one:two");
     EXPECT_EQ(Item("cimserver.mof_files"), "a.mof:b.mof");
     EXPECT_EQ(Item("cimserver.namespace"), "root/x");
@@ -95,9 +99,14 @@ TEST_F(CommandLine, HelpNamesEveryOption) {
     EXPECT_EQ(Read({"--help"}), cimserver::exitDone);
     for (const char* option :
          {"--config FILE", "--listen ADDR:PORT", "--provider-dir DIR", "--mof FILE",
-          "--namespace NAME", "--log-level LEVEL", "--version"}) {
+          "--namespace NAME", "--log-level LEVEL", "--check-config", "--version"}) {
         EXPECT_THAT(out.str(), HasSubstr(option));
     }
+    for (const cimserver::ItemRow& row : cimserver::Items()) {
+        EXPECT_THAT(out.str(), HasSubstr(std::string("  ") + row.name));
+        EXPECT_THAT(out.str(), HasSubstr(row.meaning));
+    }
+    EXPECT_THAT(out.str(), HasSubstr("  cppprovifc.prov_TTL = 5 minutes\n"));
     EXPECT_THAT(err.str(), IsEmpty());
 }
 

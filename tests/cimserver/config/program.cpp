@@ -12,6 +12,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <unistd.h>
@@ -45,11 +46,18 @@ protected:
         std::ofstream(file) << text;
         return file.string();
     }
+    /// One that lets everybody on this machine in.
+    std::string OpenConfigFile(const std::string& text = "") const {
+        return ConfigFile("owcimomd.allow_anonymous = true\n" + text);
+    }
     /// Arguments of a server that serves the class of the tests on a free port.
     std::vector<std::string> Serving(const std::vector<std::string>& more = {}) const {
         std::vector<std::string> arguments{
             "--mof", mofFile, "--provider-dir", PROGRAM_TEST_PROVIDERS, "--listen", "127.0.0.1:0"};
         arguments.insert(arguments.end(), more.begin(), more.end());
+        if (std::find(more.begin(), more.end(), "--config") == more.end()) {
+            arguments.insert(arguments.end(), {"--config", OpenConfigFile()});
+        }
         return arguments;
     }
     static std::string Names(std::uint16_t port) {
@@ -115,17 +123,31 @@ TEST_F(Program, StartErrorsAreOneLineEach) {
                 HasSubstr("there is no directory /absent"));
 }
 
+TEST_F(Program, CheckOfTheConfigurationTellsAllAndEnds) {
+    Running faulty({"--check-config", "--config",
+                    ConfigFile("log.main.level = loud\nzz = 1\ncimserver.mof_files = " + mofFile)});
+    EXPECT_EQ(faulty.Wait(), 1);
+    EXPECT_THAT(faulty.Output(), IsEmpty());
+    EXPECT_THAT(faulty.Error(), AllOf(HasSubstr("/my.conf:1: log.main.level = loud: "),
+                                      HasSubstr("/my.conf:2: zz: unknown item")));
+    Running well({"--check-config", "--mof", mofFile, "--config", OpenConfigFile()});
+    EXPECT_EQ(well.Wait(), 0);
+    EXPECT_EQ(well.Output(), "The configuration is in order.\n");
+    EXPECT_THAT(well.Error(), IsEmpty());
+}
+
 TEST_F(Program, MistakeInTheMofIsNamedWithItsPlace) {
     const auto file = directory / "bad.mof";
     std::ofstream(file) << "class HT_A {\n  nonsense\n};\n";
-    EXPECT_THAT(StartError({"--mof", file.string()}), HasSubstr(file.string() + ":"));
+    EXPECT_THAT(StartError({"--mof", file.string(), "--config", OpenConfigFile()}),
+                HasSubstr(file.string() + ":"));
 }
 
 TEST_F(Program, PortInUseIsAStartError) {
     Running first(Serving());
     const auto port = std::to_string(first.WaitForPort());
     EXPECT_THAT(StartError({"--mof", mofFile, "--provider-dir", PROGRAM_TEST_PROVIDERS, "--listen",
-                            "127.0.0.1:" + port}),
+                            "127.0.0.1:" + port, "--config", OpenConfigFile()}),
                 AllOf(HasSubstr(port), HasSubstr("in use")));
 }
 
@@ -148,23 +170,100 @@ TEST_F(Program, OtherSignalsOfClientsDoNotEndIt) {
 }
 
 TEST_F(Program, ConfigFileGivesWhatTheCommandLineDoesNot) {
-    Running server({"--config", ConfigFile("http_server.http_port = 0\n"
-                                           "http_server.listen_addresses = 127.0.0.1 ::1\n"
-                                           "cppprovifc.prov_location = " PROGRAM_TEST_PROVIDERS
-                                           "\ncimserver.mof_files = " +
-                                           mofFile + "\ncimserver.namespace = root/cimv2\n")});
+    Running server({"--config", OpenConfigFile("http_server.http_port = 0\n"
+                                               "http_server.listen_addresses = 127.0.0.1 ::1\n"
+                                               "cppprovifc.prov_location = " PROGRAM_TEST_PROVIDERS
+                                               "\ncimserver.mof_files = " +
+                                               mofFile + "\ncimserver.namespace = root/cimv2\n")});
     EXPECT_THAT(Names(server.WaitForPort()), HasSubstr("INSTANCENAME"));
     EXPECT_THAT(server.WaitForLine("Listening on http://["),
                 testing::MatchesRegex("Listening on http://\\[::1\\]:[0-9]+"));
 }
 
 TEST_F(Program, ProviderReadsItemsAndItsLinesGoToTheLog) {
-    Running server(Serving({"--config", ConfigFile("test.text = any words\n")}));
+    Running server(Serving({"--config", OpenConfigFile("test.text = any words\n")}));
     Names(server.WaitForPort());
     server.Signal(SIGTERM);
     EXPECT_EQ(server.Wait(), 0);
     EXPECT_THAT(server.Error(), HasSubstr(" ERROR test.provider: any words\n"));
     EXPECT_THAT(server.Error(), Not(HasSubstr("not at the default level")));
+}
+
+TEST_F(Program, EachRequestHasALineWithoutAnythingSecret) {
+    Running server(Serving());
+    const auto port = server.WaitForPort();
+    Names(port);
+    const std::string key = "<INSTANCENAME CLASSNAME=\"HT_Program\"><KEYBINDING NAME=\"Id\">"
+                            "<KEYVALUE>topsecret</KEYVALUE></KEYBINDING></INSTANCENAME>";
+    test_support::CimClient client(port);
+    client.Post(test_support::IntrinsicCall("GetInstance", "<IPARAMVALUE NAME=\"InstanceName\">" +
+                                                               key + "</IPARAMVALUE>"));
+    client.Post(test_support::ExtrinsicCall("Top\nsecret", key, ""));
+    client.Request("GET", {}, "");
+    test_support::CimClient(port).Request("POST", {{"X-Big", std::string(9000, 'x')}}, "");
+    server.Signal(SIGTERM);
+    EXPECT_EQ(server.Wait(), 0);
+    const std::string time = "[0-9.]+ ms\n";
+    const std::string& log = server.Error();
+    EXPECT_THAT(log,
+                ContainsRegex(" REQUEST 127.0.0.1 - EnumerateInstanceNames HT_Program ok " + time));
+    EXPECT_THAT(
+        log, ContainsRegex(" REQUEST 127.0.0.1 - GetInstance HT_Program CIM_ERR_[A-Z_]+ " + time));
+    EXPECT_THAT(log, ContainsRegex(" REQUEST 127.0.0.1 - - - status-405 " + time));
+    EXPECT_THAT(log, ContainsRegex(" REQUEST 127.0.0.1 - - - status-431 " + time));
+    EXPECT_THAT(log, HasSubstr("Limit reached: cimserver.max_header_bytes, client 127.0.0.1\n"));
+    EXPECT_THAT(log, Not(HasSubstr("topsecret")));
+}
+
+TEST_F(Program, LinesOfRequestsCanBeSwitchedOff) {
+    Running server(Serving({"--config", ConfigFile("cimserver.request_log = false\n")}));
+    Names(server.WaitForPort());
+    server.Signal(SIGTERM);
+    EXPECT_EQ(server.Wait(), 0);
+    EXPECT_THAT(server.Error(), Not(HasSubstr("REQUEST")));
+}
+
+TEST_F(Program, LimitsOfTheConfigurationCount) {
+    Running server(Serving({"--config", ConfigFile("cimserver.max_body_bytes = 2000\n"
+                                                   "cimserver.max_header_bytes = 1000\n"
+                                                   "cimserver.max_xml_depth = 16\n"
+                                                   "cimserver.max_connections_per_address = 3\n"
+                                                   "cimserver.request_seconds = 1\n")}));
+    const auto port = server.WaitForPort();
+    std::string nested;
+    for (int i = 0; i < 17; ++i) {
+        nested += "<a>";
+    }
+    EXPECT_EQ(test_support::CimClient(port).Post(nested).status, 400);
+    EXPECT_EQ(test_support::CimClient(port).Post(std::string(2001, 'x')).status, 413);
+    test_support::CimClient head(port);
+    EXPECT_EQ(head.Request("POST", {{"X-Big", std::string(1000, 'x')}}, "").status, 431);
+    test_support::CimClient silent(port);
+    EXPECT_EQ(silent.Receive().status, 408);
+    for (const char* item : {"cimserver.max_body_bytes", "cimserver.max_header_bytes",
+                             "cimserver.max_xml_depth", "cimserver.request_seconds"}) {
+        EXPECT_THAT(server.WaitForText(std::string("Limit reached: ") + item),
+                    HasSubstr(", client 127.0.0.1"));
+    }
+}
+
+TEST_F(Program, LogCanBeAFile) {
+    const auto file = directory / "cimserver.log";
+    Running server(Serving({"--config", ConfigFile("log.main.type = file\nlog.main.location = " +
+                                                   file.string() + "\n")}));
+    Names(server.WaitForPort());
+    server.Signal(SIGTERM);
+    EXPECT_EQ(server.Wait(), 0);
+    EXPECT_THAT(server.Error(), Not(HasSubstr("REQUEST")));
+    std::stringstream text;
+    text << std::ifstream(file).rdbuf();
+    EXPECT_THAT(text.str(), HasSubstr(" REQUEST 127.0.0.1 - EnumerateInstanceNames HT_Program ok"));
+}
+
+TEST_F(Program, LogThatCannotBeWrittenIsAStartError) {
+    EXPECT_THAT(StartError(Serving({"--config", ConfigFile("log.main.type = file\n"
+                                                           "log.main.location = /absent/x\n")})),
+                HasSubstr("Cannot write the log /absent/x: No such file or directory"));
 }
 
 TEST_F(Program, WhatAProviderPrintsGoesToTheLogAtOnce) {
@@ -179,16 +278,17 @@ TEST_F(Program, WhatAProviderPrintsGoesToTheLogAtOnce) {
 // The server's parent leaves it what a careless one may: open descriptors, a standard input,
 // ignored and blocked signals.
 TEST_F(Program, ChildrenOfProvidersInheritNothing) {
-    Running server(Serving({"--config", ConfigFile("test.child = " PROGRAM_TEST_CHILD "\n")}), [] {
-        dup2(open("/etc/passwd", O_RDONLY), 9);
-        dup2(9, 200);
-        dup2(9, STDIN_FILENO);
-        std::signal(SIGCHLD, SIG_IGN);
-        std::signal(SIGPIPE, SIG_IGN);
-        sigset_t all;
-        sigfillset(&all);
-        sigprocmask(SIG_SETMASK, &all, nullptr);
-    });
+    Running server(Serving({"--config", OpenConfigFile("test.child = " PROGRAM_TEST_CHILD "\n")}),
+                   [] {
+                       dup2(open("/etc/passwd", O_RDONLY), 9);
+                       dup2(9, 200);
+                       dup2(9, STDIN_FILENO);
+                       std::signal(SIGCHLD, SIG_IGN);
+                       std::signal(SIGPIPE, SIG_IGN);
+                       sigset_t all;
+                       sigfillset(&all);
+                       sigprocmask(SIG_SETMASK, &all, nullptr);
+                   });
     const auto port = server.WaitForPort();
     const test_support::CimClient idle(port);
     EXPECT_THAT(Names(port), HasSubstr("INSTANCENAME"));

@@ -349,7 +349,7 @@ OperationsTest::OperationsTest() : operations(schema, source, "root/cimv2", "her
 }
 
 void OperationsTest::Run(const cimserver::operations::Call& call, const std::string& nameSpace) {
-    operations.Execute({nameSpace.c_str(), "anna", call}, sink);
+    operations.Execute({nameSpace.c_str(), "anna", call, mayChange}, sink);
 }
 
 std::string OperationsTest::Failure(const cimserver::operations::Call& call,

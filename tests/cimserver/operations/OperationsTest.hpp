@@ -172,6 +172,7 @@ protected:
     PlayedProvider base;
     PlayedProvider leaf;
     KeepingSink sink;
+    bool mayChange = true; ///< anna
     cimserver::operations::Operations operations;
 };
 

@@ -116,14 +116,15 @@ class Demo(Tree):
 
 class Serve(Tree):
     def greeting(self, process):
-        return [process.stdout.readline() for _ in range(6)]
+        return [process.stdout.readline() for _ in range(7)]
 
     def test_greets_serves_and_stops(self):
         for number in (signal.SIGTERM, signal.SIGINT):
             process = self.start("serve", "0")
             lines = self.greeting(process)
-            url = re.match(r"CIM server at (http://127\.0\.0\.1:\d+), namespace root/cimv2, ", lines[0])
+            url = re.match(r"CIM server at (http://127\.0\.0\.1:\d+), namespace root/cimv2\.", lines[0])
             self.assertTrue(url, lines)
+            self.assertIn("let in and may change everything (owcimomd.allow_anonymous", lines[1])
             commands = [line.strip() for line in lines if line.startswith("  wbemcli ")]
             self.assertEqual(len(commands), 3)
             for command in commands:

@@ -18,8 +18,10 @@ namespace test_support {
 namespace {
 
 const std::string listening = "Listening on http://127.0.0.1:";
+const std::string listeningWithTls = "Listening on https://127.0.0.1:";
 
-std::vector<std::string> CommandLine(const std::vector<std::string>& more) {
+std::vector<std::string> CommandLine(const std::string& configFile,
+                                     const std::vector<std::string>& more) {
     std::vector<std::string> words = {CIMSERVER_PROGRAM,
                                       "--listen",
                                       "127.0.0.1:0",
@@ -29,6 +31,9 @@ std::vector<std::string> CommandLine(const std::vector<std::string>& more) {
                                       SCHEMA_DIRECTORY "/qualifiers.mof",
                                       SCHEMA_DIRECTORY "/ZNX.mof"};
     words.insert(words.end(), more.begin(), more.end());
+    if (std::find(more.begin(), more.end(), "--config") == more.end()) {
+        words.insert(words.end(), {"--config", configFile});
+    }
     return words;
 }
 
@@ -46,14 +51,23 @@ std::vector<std::string> CommandLine(const std::vector<std::string>& more) {
     _exit(127);
 }
 
-std::string TemporaryFile() {
-    std::string name = (std::filesystem::temp_directory_path() / "cimserver-log-XXXXXX").string();
+std::string TemporaryFile(const char* pattern) {
+    std::string name = (std::filesystem::temp_directory_path() / pattern).string();
     const int file = mkstemp(name.data());
     if (file < 0) {
         throw std::runtime_error("no temporary file");
     }
     close(file);
     return name;
+}
+
+/// 0 when the line is not there yet.
+std::uint16_t PortAfter(const std::string& beginning, const std::string& log) {
+    const std::size_t at = log.find(beginning);
+    if (at == std::string::npos || log.find('\n', at) == std::string::npos) {
+        return 0;
+    }
+    return static_cast<std::uint16_t>(std::stoul(log.substr(at + beginning.size())));
 }
 
 double MemoryOf(pid_t process, const std::string& item) {
@@ -72,8 +86,10 @@ double MemoryOf(pid_t process, const std::string& item) {
 } // namespace
 
 ServerProcess::ServerProcess(const std::vector<std::string>& moreArguments)
-    : logFile_(TemporaryFile()) {
-    const std::vector<std::string> words = CommandLine(moreArguments);
+    : logFile_(TemporaryFile("cimserver-log-XXXXXX")),
+      configFile_(TemporaryFile("cimserver-conf-XXXXXX")) {
+    std::ofstream(configFile_) << "owcimomd.allow_anonymous = true\ncimserver.writers = *\n";
+    const std::vector<std::string> words = CommandLine(configFile_, moreArguments);
     process_ = fork();
     if (process_ == 0) {
         Become(words, logFile_);
@@ -83,29 +99,45 @@ ServerProcess::ServerProcess(const std::vector<std::string>& moreArguments)
 
 ServerProcess::~ServerProcess() {
     Stop();
+    RemoveFiles();
+}
+
+void ServerProcess::RemoveFiles() const {
     std::filesystem::remove(logFile_);
+    std::filesystem::remove(configFile_);
 }
 
 void ServerProcess::WaitUntilItListens() {
     const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(30);
     while (std::chrono::steady_clock::now() < limit) {
-        const std::string log = Log();
-        const std::size_t at = log.find(listening);
-        if (at != std::string::npos && log.find('\n', at) != std::string::npos) {
-            port_ = static_cast<std::uint16_t>(std::stoul(log.substr(at + listening.size())));
+        port_ = PortAfter(listening, Log());
+        if (port_ != 0) {
             return;
         }
         int status = 0;
         if (waitpid(process_, &status, WNOHANG) == process_) {
             status_ = status;
             const std::string said = Log();
-            std::filesystem::remove(logFile_);
+            RemoveFiles();
             throw std::runtime_error("the server did not start: " + said);
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     Stop();
-    throw std::runtime_error("the server did not tell its port: " + Log());
+    const std::string said = Log();
+    RemoveFiles();
+    throw std::runtime_error("the server did not tell its port: " + said);
+}
+
+std::uint16_t ServerProcess::TlsPort() const {
+    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    while (std::chrono::steady_clock::now() < limit) {
+        if (const std::uint16_t port = PortAfter(listeningWithTls, Log())) {
+            return port;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    throw std::runtime_error("the server did not tell its TLS port: " + Log());
 }
 
 int ServerProcess::Stop() {

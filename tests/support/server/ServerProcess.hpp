@@ -10,7 +10,8 @@ namespace test_support {
 
 /// A cimserver of this build with the library and the ZNX classes, on a free loopback port; it
 /// answers when the constructor returns and is ended by the destructor. Its tool is what stands at
-/// /qv/bin/patchkeeper, with the environment as it is now.
+/// /qv/bin/patchkeeper, with the environment as it is now. Unless the arguments name a
+/// configuration file, everybody on this machine is let in and may change everything.
 class ServerProcess {
 public:
     /// Throws std::runtime_error with the server's own words when it does not start.
@@ -20,6 +21,8 @@ public:
     ServerProcess& operator=(const ServerProcess&) = delete;
 
     std::uint16_t Port() const { return port_; }
+    /// That of 127.0.0.1 with TLS, when there is one. Throws std::runtime_error.
+    std::uint16_t TlsPort() const;
     pid_t Pid() const { return process_; }
     /// Sends SIGTERM and waits; the exit code, or 128 + signal. Later calls return the same.
     int Stop();
@@ -36,11 +39,13 @@ public:
 
 private:
     void WaitUntilItListens();
+    void RemoveFiles() const;
 
     pid_t process_ = -1;
     std::uint16_t port_ = 0;
     int status_ = -1;
     std::string logFile_;
+    std::string configFile_;
 };
 
 } // namespace test_support

@@ -1,0 +1,218 @@
+// The service over TLS, as a client with another TLS library sees it.
+#include "HttpTest.hpp"
+#include "SecretFiles.hpp"
+
+#include "cimserver/http/Http.hpp"
+#include "cimserver/http/SelfSigned.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <curl/curl.h>
+
+namespace {
+
+using cimserver::http::Certificate;
+using cimserver::http::CredentialError;
+using cimserver::http::Request;
+using cimserver::http::Server;
+using cimserver::http::Settings;
+using http_test::Answer;
+using http_test::Pattern;
+using http_test::SecretFiles;
+using testing::HasSubstr;
+
+struct Outcome {
+    CURLcode code = CURLE_OK;
+    long status = 0;
+    std::string body;
+    std::string certificate; ///< of the server, as lines of text
+    long connections = 0;    ///< made for this request
+};
+
+std::size_t Keep(char* data, std::size_t size, std::size_t count, void* text) {
+    static_cast<std::string*>(text)->append(data, size * count);
+    return size * count;
+}
+
+/// One client with one connection that it keeps.
+class TlsClient {
+public:
+    explicit TlsClient(std::uint16_t port) : curl_(curl_easy_init()) {
+        const std::string url = "https://127.0.0.1:" + std::to_string(port) + "/";
+        curl_easy_setopt(curl_, CURLOPT_URL, url.c_str());
+        curl_easy_setopt(curl_, CURLOPT_NOPROXY, "*");
+        curl_easy_setopt(curl_, CURLOPT_SSL_VERIFYPEER, 0L);
+        curl_easy_setopt(curl_, CURLOPT_SSL_VERIFYHOST, 0L);
+        curl_easy_setopt(curl_, CURLOPT_CERTINFO, 1L);
+        curl_easy_setopt(curl_, CURLOPT_TIMEOUT, 30L);
+        curl_easy_setopt(curl_, CURLOPT_WRITEFUNCTION, &Keep);
+    }
+    ~TlsClient() { curl_easy_cleanup(curl_); }
+    TlsClient(const TlsClient&) = delete;
+    TlsClient& operator=(const TlsClient&) = delete;
+
+    CURL* Handle() { return curl_; }
+
+    Outcome Post(const std::string& body) {
+        Outcome outcome;
+        curl_easy_setopt(curl_, CURLOPT_WRITEDATA, &outcome.body);
+        curl_easy_setopt(curl_, CURLOPT_POSTFIELDS, body.c_str());
+        curl_easy_setopt(curl_, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(body.size()));
+        outcome.code = curl_easy_perform(curl_);
+        curl_easy_getinfo(curl_, CURLINFO_RESPONSE_CODE, &outcome.status);
+        curl_easy_getinfo(curl_, CURLINFO_NUM_CONNECTS, &outcome.connections);
+        curl_certinfo* info = nullptr;
+        curl_easy_getinfo(curl_, CURLINFO_CERTINFO, &info);
+        for (int i = 0; info != nullptr && i < info->num_of_certs; ++i) {
+            for (const curl_slist* line = info->certinfo[i]; line != nullptr; line = line->next) {
+                outcome.certificate += std::string(line->data) + "\n";
+            }
+        }
+        return outcome;
+    }
+
+private:
+    CURL* curl_;
+};
+
+class HttpTls : public testing::Test {
+protected:
+    HttpTls() : certificate(std::make_shared<Certificate>(files.PairFor("first.example"))) {
+        settings.port = 0;
+        settings.certificate = certificate;
+    }
+
+    SecretFiles files;
+    std::shared_ptr<Certificate> certificate;
+    Settings settings;
+};
+
+void Echo(const Request& request, Answer& answer) {
+    answer.Append(request.body);
+}
+
+TEST_F(HttpTls, CarriesLargeBodiesAndAnswersOnOneConnection) {
+    settings.maxBodyBytes = 10'000'000;
+    Server server(settings, &Echo);
+    TlsClient client(server.Port());
+    for (const std::size_t size : {0U, 1U, 100'000U, 9'000'000U, 70'000U}) {
+        const std::string body = Pattern(size);
+        const Outcome outcome = client.Post(body);
+        ASSERT_EQ(outcome.code, CURLE_OK) << curl_easy_strerror(outcome.code);
+        EXPECT_EQ(outcome.status, 200);
+        EXPECT_TRUE(outcome.body == body) << outcome.body.size();
+        EXPECT_EQ(outcome.connections, size == 0 ? 1 : 0);
+    }
+}
+
+TEST_F(HttpTls, CarriesAnAnswerThatStreams) {
+    Server server(settings, [](const Request&, Answer& answer) {
+        for (std::uint32_t i = 0; i < 100; ++i) {
+            answer.Append(Pattern(50'000, i * 50'000));
+        }
+    });
+    TlsClient client(server.Port());
+    curl_slist* headers = curl_slist_append(nullptr, "TE: trailers");
+    curl_easy_setopt(client.Handle(), CURLOPT_HTTPHEADER, headers);
+    const Outcome outcome = client.Post("");
+    curl_slist_free_all(headers);
+    EXPECT_EQ(outcome.code, CURLE_OK) << curl_easy_strerror(outcome.code);
+    EXPECT_TRUE(outcome.body == Pattern(5'000'000)) << outcome.body.size();
+}
+
+TEST_F(HttpTls, ShowsTheCertificateThatAClientCanVerify) {
+    Server server(settings, &Echo);
+    TlsClient client(server.Port());
+    curl_easy_setopt(client.Handle(), CURLOPT_SSL_VERIFYPEER, 1L);
+    curl_easy_setopt(client.Handle(), CURLOPT_SSL_VERIFYHOST, 2L);
+    curl_easy_setopt(client.Handle(), CURLOPT_CAINFO, files.Path("pair.pem").c_str());
+    const Outcome outcome = client.Post("x");
+    EXPECT_EQ(outcome.code, CURLE_OK) << curl_easy_strerror(outcome.code);
+    EXPECT_THAT(outcome.certificate, HasSubstr("first.example"));
+}
+
+Outcome WithVersion(std::uint16_t port, long least, long most) {
+    TlsClient client(port);
+    curl_easy_setopt(client.Handle(), CURLOPT_SSLVERSION, least | most);
+    // This machine's library would not offer old versions by itself.
+    curl_easy_setopt(client.Handle(), CURLOPT_SSL_CIPHER_LIST, "ALL:@SECLEVEL=0");
+    return client.Post("x");
+}
+
+TEST_F(HttpTls, TakesNoVersionBefore12) {
+    Server server(settings, &Echo);
+    EXPECT_EQ(WithVersion(server.Port(), CURL_SSLVERSION_TLSv1_3, CURL_SSLVERSION_MAX_TLSv1_3).code,
+              CURLE_OK);
+    EXPECT_EQ(WithVersion(server.Port(), CURL_SSLVERSION_TLSv1_2, CURL_SSLVERSION_MAX_TLSv1_2).code,
+              CURLE_OK);
+    EXPECT_EQ(WithVersion(server.Port(), CURL_SSLVERSION_TLSv1_1, CURL_SSLVERSION_MAX_TLSv1_1).code,
+              CURLE_SSL_CONNECT_ERROR);
+    EXPECT_EQ(WithVersion(server.Port(), CURL_SSLVERSION_TLSv1_0, CURL_SSLVERSION_MAX_TLSv1_0).code,
+              CURLE_SSL_CONNECT_ERROR);
+}
+
+TEST_F(HttpTls, AReloadGivesNewConnectionsTheNewCertificateAndKeepsTheOld) {
+    Server server(settings, &Echo);
+    TlsClient before(server.Port());
+    EXPECT_THAT(before.Post("x").certificate, HasSubstr("first.example"));
+    certificate->Reload(files.PairFor("second.example"));
+    const Outcome again = before.Post("y");
+    EXPECT_EQ(again.body, "y");
+    EXPECT_EQ(again.connections, 0);
+    TlsClient after(server.Port());
+    EXPECT_THAT(after.Post("x").certificate, HasSubstr("second.example"));
+}
+
+TEST_F(HttpTls, AReloadThatFailsSaysWhyAndKeepsTheOldCertificate) {
+    Server server(settings, &Echo);
+    files.Write("pair.pem", "nonsense\n");
+    try {
+        certificate->Reload({files.Path("pair.pem"), files.Path("pair.pem")});
+        ADD_FAILURE() << "nothing was wrong";
+    } catch (const CredentialError& error) {
+        EXPECT_THAT(error.what(), HasSubstr("pair.pem: no certificate with its key in PEM"));
+    }
+    EXPECT_THAT(TlsClient(server.Port()).Post("x").certificate, HasSubstr("first.example"));
+}
+
+TEST_F(HttpTls, CredentialsAreAskedForThereToo) {
+    settings.access.isAnonymous = false;
+    settings.access.users = std::make_shared<cimserver::http::Users>(files.AnnaAndBert());
+    Server server(settings, [](const Request& request, Answer& answer) {
+        answer.Append("in as " + request.user);
+    });
+    TlsClient client(server.Port());
+    EXPECT_EQ(client.Post("x").status, 401);
+    curl_easy_setopt(client.Handle(), CURLOPT_USERPWD, "anna:secret");
+    EXPECT_EQ(client.Post("x").body, "in as anna");
+}
+
+TEST(CertificateFile, ThatCannotBeUsedIsNamedWithTheReason) {
+    const SecretFiles files;
+    const auto error = [](const cimserver::http::CertificateFiles& pair) -> std::string {
+        try {
+            const Certificate certificate(pair);
+        } catch (const CredentialError& fault) {
+            return fault.what();
+        }
+        return "no error";
+    };
+    EXPECT_THAT(error({files.Path("none"), files.Path("none")}),
+                HasSubstr("none: the certificate cannot be read: No such file or directory; "
+                          "`cimserver certificate` makes a self-signed pair"));
+    const auto one = cimserver::http::MakeSelfSigned({"one"}, 1);
+    const auto two = cimserver::http::MakeSelfSigned({"two"}, 1);
+    files.Write("certificate", one.certificate);
+    files.Write("key", one.key);
+    files.Write("other", two.key);
+    EXPECT_EQ(error({files.Path("certificate"), files.Path("key")}), "no error");
+    EXPECT_THAT(error({files.Path("certificate"), files.Path("absent")}),
+                HasSubstr("absent: the key cannot be read"));
+    EXPECT_THAT(error({files.Path("certificate"), files.Path("other")}),
+                HasSubstr("no certificate with its key"));
+    EXPECT_THAT(error({files.Path("certificate"), files.Path("certificate")}),
+                HasSubstr("no certificate with its key"));
+}
+
+} // namespace
