@@ -2,6 +2,7 @@
 
 #include "cimserver/cimxml/CimXml.hpp"
 
+#include <algorithm>
 #include <climits>
 #include <string_view>
 #include <unistd.h>
@@ -31,6 +32,13 @@ public:
     void Trailers(const cimxml::HeaderList& trailers) override {
         answer_.SetTrailers(AsHeaders(trailers));
     }
+    void LimitTime(cimxml::MakeLateAnswer late) override {
+        answer_.LimitTime([late = std::move(late)](std::chrono::milliseconds limit) {
+            cimxml::LateAnswer made = late(limit);
+            return http::LateAnswer{std::move(made.text), AsHeaders(made.trailers)};
+        });
+    }
+    void LiftLimit() override { answer_.LiftLimit(); }
 
 private:
     http::Answer& answer_;
@@ -41,6 +49,7 @@ host::Settings HostSettings(const Settings& settings, const Configuration& confi
     host::Settings result;
     result.directories = settings.providerDirectories;
     result.idleTime = settings.providerIdle;
+    result.longestWait = settings.busyTime;
     result.configItem = [&configuration](const OpenWBEM::String& name,
                                          const OpenWBEM::String& fallback) {
         const auto* item = configuration.Find(name.c_str());
@@ -71,6 +80,7 @@ Server::Server(const Settings& settings, const Configuration& configuration,
         http::Settings listener;
         listener.address = address;
         listener.port = settings.port;
+        listener.callTime = settings.callTime;
         listeners_.push_back(std::make_unique<http::Server>(
             listener, [this](const http::Request& request, http::Answer& answer) {
                 AnswerRequest(request, answer);
@@ -86,6 +96,15 @@ std::vector<std::string> Server::Urls() const {
                        std::to_string(listeners_[i]->Port()));
     }
     return urls;
+}
+
+bool Server::Finish(std::chrono::milliseconds longest) {
+    const auto until = std::chrono::steady_clock::now() + longest;
+    for (const auto& listener : listeners_) {
+        listener->StopAccepting();
+    }
+    return std::all_of(listeners_.begin(), listeners_.end(),
+                       [until](const auto& listener) { return listener->WaitUntilIdle(until); });
 }
 
 void Server::AnswerRequest(const http::Request& request, http::Answer& answer) {

@@ -10,6 +10,7 @@
 
 #include "OW_Logger.hpp"
 
+#include <chrono>
 #include <memory>
 #include <string>
 #include <vector>
@@ -27,6 +28,10 @@ public:
 
     /// The addresses really listened on: `http://127.0.0.1:5988`.
     std::vector<std::string> Urls() const;
+
+    /// Takes no more connections and requests, and waits for the calls that run and for their
+    /// answers. False when some have not ended after that time; the destructor waits for them.
+    bool Finish(std::chrono::milliseconds longest);
 
 private:
     void AnswerRequest(const http::Request& request, http::Answer& answer);

@@ -30,6 +30,9 @@ struct Settings {
     std::uint16_t port = 5988;          ///< 0: any free port
     std::vector<std::filesystem::path> providerDirectories;
     std::chrono::minutes providerIdle{5}; ///< negative: providers stay
+    std::chrono::seconds callTime{300}; ///< until a client is told that its call is late; 0: never
+    std::chrono::seconds busyTime{60};  ///< a call waits for a busy library; 0: for ever
+    std::chrono::seconds stopTime{20};  ///< running calls have when the server stops
     OpenWBEM::ELogLevel logLevel = OpenWBEM::E_ERROR_LEVEL;
     std::vector<std::filesystem::path> mofFiles;
     std::string nameSpace = "root/cimv2"; ///< without slash at either end

@@ -5,8 +5,10 @@
 #include "cimserver/Server.hpp"
 #include "cimserver/Settings.hpp"
 
+#include <cstdlib>
 #include <exception>
 #include <iostream>
+#include <string>
 
 namespace cimserver {
 
@@ -21,11 +23,19 @@ ExitCode Run(int argc, const char* const* argv) {
         ReadSettings(configuration, (ProgramDirectory() / "../lib/providers").lexically_normal());
     SettleDescriptors();
     const StopSignal stop;
-    const Server server(settings, configuration, MakeLogger(settings.logLevel));
+    const auto logger = MakeLogger(settings.logLevel);
+    Server server(settings, configuration, logger);
     for (const auto& url : server.Urls()) {
         WriteReadinessLine("Listening on " + url);
     }
     stop.Wait();
+    if (!server.Finish(settings.stopTime)) {
+        // Waiting for these calls is what the server's destructor would do.
+        const auto time = std::to_string(settings.stopTime.count());
+        logger->logError(
+            ("calls still run after " + time + " s; the server ends without them").c_str());
+        std::_Exit(exitDone);
+    }
     return exitDone;
 }
 

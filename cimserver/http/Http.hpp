@@ -2,6 +2,7 @@
 // Knows nothing of XML or CIM.
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -33,6 +34,14 @@ struct Head {
     std::string trailerNames; ///< those that may follow the text, as a Trailer header lists them
 };
 
+/// What a client gets in place of an answer that takes too long: the text when nothing of the
+/// answer has left, otherwise the trailers behind what has left.
+struct LateAnswer {
+    std::string text;
+    std::vector<Header> trailers;
+};
+using MakeLateAnswer = std::function<LateAnswer(std::chrono::milliseconds limit)>;
+
 /// The answer to one request while its handler makes it. Used by the thread that runs the handler;
 /// none of its functions waits for the client. What the client has not taken yet is kept in memory
 /// up to a bound and beyond that in a file. To a client that takes trailers (RFC 9110, 6.5) the
@@ -53,10 +62,17 @@ public:
     virtual void Clear() = 0;
     /// What follows the text. Only once text has left.
     virtual void SetTrailers(std::vector<Header> trailers) = 0;
+    /// From now on the handler has Settings::callTime. When that is over, the client gets the head
+    /// as it is with what `late` makes, on another thread; the handler goes on, and nothing of what
+    /// it does to the answer counts any more. A further call begins anew.
+    virtual void LimitTime(MakeLateAnswer late) = 0;
+    /// The handler may take any time again.
+    virtual void LiftLimit() = 0;
 };
 
 /// Called from several threads at once; may block. An exception that escapes becomes status 500, or
-/// closes the connection within the answer when text has left.
+/// closes the connection within the answer when text has left. Request and answer stay there until
+/// it returns, also when the client has gone.
 using Handler = std::function<void(const Request&, Answer&)>;
 
 struct Settings {
@@ -65,7 +81,8 @@ struct Settings {
     unsigned maxConnections = 30;      ///< a connection above that is closed at once
     std::size_t maxBodyBytes = std::size_t{1024} * 1024;
     unsigned idleSeconds = 300;
-    std::string spoolDirectory; ///< for large answers; empty: $TMPDIR, or /tmp
+    std::chrono::milliseconds callTime{0}; ///< of a handler that limits its time; 0: any
+    std::string spoolDirectory;            ///< for large answers; empty: $TMPDIR, or /tmp
 };
 
 /// The address cannot be listened on; the text says which and why.
@@ -84,6 +101,12 @@ public:
 
     /// The port really bound, of use when the settings asked for any.
     std::uint16_t Port() const;
+
+    /// Takes no more connections, and no more requests on those there are (503).
+    void StopAccepting();
+    /// Waits for the running handlers to return and for their answers to be sent. False when some
+    /// have not at that time.
+    bool WaitUntilIdle(std::chrono::steady_clock::time_point until);
 
 private:
     struct Daemon;

@@ -5,6 +5,7 @@
 #include "cimserver/http/Sending.hpp"
 
 #include <array>
+#include <atomic>
 #include <charconv>
 #include <cstring>
 #include <new>
@@ -14,6 +15,7 @@
 #include <microhttpd.h>
 #include <netdb.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 namespace cimserver::http {
 
@@ -78,12 +80,17 @@ struct Server::Daemon {
     MHD_Result TakeHead(MHD_Connection* connection, const char* method, const char* version,
                         Exchange& exchange) const;
     MHD_Result TakeBody(Exchange& exchange, const char* data, std::size_t& size) const;
-    MHD_Result AnswerRequest(MHD_Connection* connection, const char* version,
-                             Exchange& exchange) const;
+    MHD_Result AnswerRequest(MHD_Connection* connection, const char* version, Exchange& exchange);
+    void StopAccepting();
 
     Settings settings;
-    Handler handler;
+    const Handler handler;
     std::uint16_t port = 0;
+    std::atomic<bool> isStopping = false;
+    /// After StopAccepting the socket is ours again, to be closed behind the HTTP library.
+    int listening = -1;
+    InFlight inFlight;
+    Workers workers; ///< its tasks use the handler
     MHD_Daemon* daemon = nullptr;
 };
 
@@ -94,8 +101,8 @@ Server::Daemon::Daemon(const Settings& chosen, Handler chosenHandler)
     }
     ListeningSocket socket(settings.address, settings.port);
     port = socket.Port();
-    constexpr unsigned flags =
-        MHD_USE_THREAD_PER_CONNECTION | MHD_USE_INTERNAL_POLLING_THREAD | MHD_USE_POLL;
+    constexpr unsigned flags = MHD_USE_THREAD_PER_CONNECTION | MHD_USE_INTERNAL_POLLING_THREAD |
+                               MHD_USE_POLL | MHD_USE_ITC;
     daemon = MHD_start_daemon(
         flags, port, nullptr, nullptr, &Receive, this, MHD_OPTION_LISTEN_SOCKET,
         socket.Descriptor(), MHD_OPTION_CONNECTION_MEMORY_LIMIT, connectionMemory,
@@ -112,6 +119,18 @@ Server::Daemon::Daemon(const Settings& chosen, Handler chosenHandler)
 
 Server::Daemon::~Daemon() {
     MHD_stop_daemon(daemon);
+    if (listening >= 0) {
+        close(listening);
+    }
+}
+
+void Server::Daemon::StopAccepting() {
+    isStopping = true;
+    if (listening < 0) {
+        listening = MHD_quiesce_daemon(daemon);
+        // Whoever connects now is refused rather than left waiting.
+        shutdown(listening, SHUT_RDWR);
+    }
 }
 
 void* Server::Daemon::Begin(void* /*self*/, const char* target, MHD_Connection* /*connection*/) {
@@ -131,7 +150,7 @@ void Server::Daemon::End(void* /*self*/, MHD_Connection* /*connection*/, void** 
 MHD_Result Server::Daemon::Receive(void* self, MHD_Connection* connection, const char* /*url*/,
                                    const char* method, const char* version, const char* data,
                                    std::size_t* size, void** state) {
-    const Daemon& daemon = *static_cast<const Daemon*>(self);
+    Daemon& daemon = *static_cast<Daemon*>(self);
     auto* exchange = static_cast<Exchange*>(*state);
     if (exchange == nullptr) {
         return MHD_NO;
@@ -139,6 +158,9 @@ MHD_Result Server::Daemon::Receive(void* self, MHD_Connection* connection, const
     try {
         if (!exchange->begun) {
             exchange->begun = true;
+            if (daemon.isStopping) {
+                return SendBareStatus(connection, MHD_HTTP_SERVICE_UNAVAILABLE);
+            }
             return daemon.TakeHead(connection, method, version, *exchange);
         }
         if (*size != 0) {
@@ -177,13 +199,14 @@ MHD_Result Server::Daemon::TakeBody(Exchange& exchange, const char* data, std::s
 }
 
 MHD_Result Server::Daemon::AnswerRequest(MHD_Connection* connection, const char* version,
-                                         Exchange& exchange) const {
+                                         Exchange& exchange) {
+    exchange.running.emplace(inFlight);
     if (exchange.tooLarge) {
         return SendBareStatus(connection, MHD_HTTP_CONTENT_TOO_LARGE);
     }
     try {
         const bool canStream = TakesTrailers(exchange.request, version);
-        return Send(connection, exchange.Make(handler, canStream, settings.spoolDirectory));
+        return Send(connection, exchange.Make(handler, canStream, settings, workers));
     } catch (const std::system_error&) {
         return SendBareStatus(connection, MHD_HTTP_SERVICE_UNAVAILABLE);
     }
@@ -197,6 +220,14 @@ Server::~Server() = default;
 
 std::uint16_t Server::Port() const {
     return daemon_->port;
+}
+
+void Server::StopAccepting() {
+    daemon_->StopAccepting();
+}
+
+bool Server::WaitUntilIdle(std::chrono::steady_clock::time_point until) {
+    return daemon_->inFlight.WaitUntilNone(until) && daemon_->workers.WaitUntilIdle(until);
 }
 
 } // namespace cimserver::http

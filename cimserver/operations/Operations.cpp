@@ -52,8 +52,8 @@ Operations::Operations(const mof::Schema& schema, host::ProviderSource& provider
 void Operations::Execute(const Request& request, ResultSink& sink) {
     try {
         CheckSupported(request.call);
-        const Surroundings around{schema_, providers_, WithoutSlashes(request.nameSpace), hostName_,
-                                  request.user};
+        const Surroundings around{schema_,   providers_,   WithoutSlashes(request.nameSpace),
+                                  hostName_, request.user, request.watch};
         CheckNameSpace(around.nameSpace, nameSpace_);
         std::visit(
             [&](const auto& call) {
