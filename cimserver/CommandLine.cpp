@@ -1,5 +1,7 @@
 #include "cimserver/CommandLine.hpp"
 
+#include "cimserver/ConfigurationCheck.hpp"
+#include "cimserver/Items.hpp"
 #include "cimserver/Settings.hpp"
 
 #include <CLI/App.hpp>
@@ -20,7 +22,22 @@ struct Options {
     std::vector<std::string> mofFiles;
     std::string nameSpace;
     std::string logLevel;
+    bool checksConfiguration = false;
 };
+
+/// Name, unit and default of every item, and what it means.
+std::string ItemList() {
+    std::string list;
+    for (const ItemRow& row : Items()) {
+        list.append("  ").append(row.name);
+        const bool hasFallback = *row.fallback != '\0';
+        const bool hasUnit = *row.unit != '\0';
+        list.append(hasFallback ? " = " : "").append(row.fallback);
+        list.append(hasUnit ? " " : "").append(row.unit);
+        list.append("\n      ").append(row.meaning).append("\n");
+    }
+    return list;
+}
 
 void Declare(CLI::App& app, Options& options) {
     app.set_version_flag("--version", "cimserver " CIMSERVER_VERSION);
@@ -41,8 +58,12 @@ void Declare(CLI::App& app, Options& options) {
         ->type_name("NAME");
     app.add_option("--log-level", options.logLevel, "fatal, error, info or debug (default error)")
         ->type_name("LEVEL");
+    app.add_flag("--check-config", options.checksConfiguration,
+                 "tell every mistake and every unknown item of the configuration, and end");
     app.footer("Stays in the foreground, logs to standard error, stops on SIGTERM or SIGINT.\n"
-               "Every option has a configuration item; the command line wins.");
+               "Every option has a configuration item; the command line wins.\n\n"
+               "Configuration items, with their defaults:\n" +
+               ItemList());
 }
 
 std::string Joined(const std::vector<std::string>& parts, const char* option) {
@@ -108,6 +129,11 @@ std::optional<ExitCode> ReadCommandLine(int argc, const char* const* argv,
         configuration.AddFile(options.config);
     }
     Apply(options, configuration);
+    if (options.checksConfiguration) {
+        return IsConfigurationWell(configuration, DefaultProviderDirectory(), out, err)
+                   ? exitDone
+                   : exitCannotStart;
+    }
     return std::nullopt;
 }
 

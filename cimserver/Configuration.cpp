@@ -40,26 +40,35 @@ void Configuration::AddFile(const std::filesystem::path& file) {
 void Configuration::AddText(std::string_view text, const std::string& name) {
     for (unsigned number = 1; !text.empty(); ++number) {
         const auto end = text.find('\n');
-        AddLine(text.substr(0, end), name + ":" + std::to_string(number));
+        AddLine(text.substr(0, end), number, name);
         text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
     }
 }
 
-void Configuration::AddLine(std::string_view line, const std::string& origin) {
+void Configuration::AddLine(std::string_view line, unsigned number, const std::string& file) {
     if (line.starts_with('#') || line.starts_with(';') || Trimmed(line).empty()) {
         return;
     }
+    const std::string origin = file + ":" + std::to_string(number);
     const auto equals = line.find('=');
     if (equals == std::string_view::npos) {
-        throw ConfigurationError(origin + ": expected `name = value`");
+        mistakes_.push_back({number, origin + ": expected `name = value`"});
+        return;
     }
     const auto name = Trimmed(line.substr(0, equals));
     const auto value = Trimmed(line.substr(equals + 1));
     if (name.empty()) {
-        throw ConfigurationError(origin + ": there is no name before the `=`");
+        mistakes_.push_back({number, origin + ": there is no name before the `=`"});
+        return;
     }
-    if (!value.empty()) {
-        items_.try_emplace(std::string(name), Item{std::string(value), origin});
+    if (value.empty()) {
+        return;
+    }
+    const auto [item, isNew] =
+        items_.try_emplace(std::string(name), Item{std::string(value), origin, number});
+    if (!isNew) {
+        repetitions_.push_back(origin + ": " + item->first + ": does not count, it stands in " +
+                               item->second.origin + " already");
     }
 }
 
@@ -68,7 +77,7 @@ void Configuration::Override(const std::string& name, const std::string& value,
     if (value.empty()) {
         items_.erase(name);
     } else {
-        items_.insert_or_assign(name, Item{value, origin});
+        items_.insert_or_assign(name, Item{value, origin, 0});
     }
 }
 

@@ -1,5 +1,5 @@
 // What the configuration means: every item that the server itself uses, checked and in its own
-// type.
+// type. What each item means and its default stand in the table of Items.hpp.
 #pragma once
 
 #include "cimserver/Configuration.hpp"
@@ -16,30 +16,43 @@ namespace cimserver {
 
 /// The names of the items. Those that OpenWBEM has for the same thing are its own.
 namespace items {
-inline constexpr const char* port = "http_server.http_port";
 inline constexpr const char* addresses = "http_server.listen_addresses";
+inline constexpr const char* port = "http_server.http_port";
 inline constexpr const char* providerDirectories = "cppprovifc.prov_location";
 inline constexpr const char* idleMinutes = "cppprovifc.prov_TTL";
-inline constexpr const char* logLevel = "log.main.level";
+inline constexpr const char* callSeconds = "cimserver.call_seconds";
+inline constexpr const char* busySeconds = "cimserver.busy_seconds";
+inline constexpr const char* stopSeconds = "cimserver.stop_seconds";
 inline constexpr const char* mofFiles = "cimserver.mof_files";
 inline constexpr const char* nameSpace = "cimserver.namespace";
+inline constexpr const char* libraryItems = "cimserver.library_items";
+inline constexpr const char* logLevel = "log.main.level";
 } // namespace items
 
 struct Settings {
     std::vector<std::string> addresses; ///< numeric IPv4 or IPv6, loopback all of them
-    std::uint16_t port = 5988;          ///< 0: any free port
+    std::uint16_t port = 0;             ///< 0: any free port
     std::vector<std::filesystem::path> providerDirectories;
-    std::chrono::minutes providerIdle{5}; ///< negative: providers stay
-    std::chrono::seconds callTime{300}; ///< until a client is told that its call is late; 0: never
-    std::chrono::seconds busyTime{60};  ///< a call waits for a busy library; 0: for ever
-    std::chrono::seconds stopTime{20};  ///< running calls have when the server stops
-    OpenWBEM::ELogLevel logLevel = OpenWBEM::E_ERROR_LEVEL;
+    std::chrono::minutes providerIdle{}; ///< negative: providers stay
+    std::chrono::seconds callTime{};     ///< until a client is told that its call is late; 0: never
+    std::chrono::seconds busyTime{};     ///< that a call waits for a busy library; 0: for ever
+    std::chrono::seconds stopTime{};     ///< that running calls have when the server stops
     std::vector<std::filesystem::path> mofFiles;
-    std::string nameSpace = "root/cimv2"; ///< without slash at either end
+    std::string nameSpace; ///< without slash at either end
+    std::vector<std::string> libraryItems;
+    OpenWBEM::ELogLevel logLevel = OpenWBEM::E_ERROR_LEVEL;
 };
 
-/// `defaultProviders` is taken when no directory is configured. Throws ConfigurationError, naming
-/// item and place.
+/// Beside the running program. Throws std::system_error.
+std::filesystem::path DefaultProviderDirectory();
+
+/// `defaultProviders` is taken when no directory is configured. Every mistake goes to `mistakes`,
+/// those of the file first and in its order; with one, the settings are of no use.
+Settings ReadSettings(const Configuration& configuration,
+                      const std::filesystem::path& defaultProviders,
+                      std::vector<Mistake>& mistakes);
+
+/// The same for whoever cannot go on after a mistake: throws ConfigurationError with the first.
 Settings ReadSettings(const Configuration& configuration,
                       const std::filesystem::path& defaultProviders);
 

@@ -19,8 +19,7 @@ ExitCode Run(int argc, const char* const* argv) {
     if (const auto done = ReadCommandLine(argc, argv, configuration, std::cout, std::cerr)) {
         return *done;
     }
-    const Settings settings =
-        ReadSettings(configuration, (ProgramDirectory() / "../lib/providers").lexically_normal());
+    const Settings settings = ReadSettings(configuration, DefaultProviderDirectory());
     SettleDescriptors();
     const StopSignal stop;
     const auto logger = MakeLogger(settings.logLevel);

@@ -1,4 +1,5 @@
 #include "cimserver/CommandLine.hpp"
+#include "cimserver/Items.hpp"
 #include "cimserver/Settings.hpp"
 
 #include <gmock/gmock.h>
@@ -95,9 +96,14 @@ TEST_F(CommandLine, HelpNamesEveryOption) {
     EXPECT_EQ(Read({"--help"}), cimserver::exitDone);
     for (const char* option :
          {"--config FILE", "--listen ADDR:PORT", "--provider-dir DIR", "--mof FILE",
-          "--namespace NAME", "--log-level LEVEL", "--version"}) {
+          "--namespace NAME", "--log-level LEVEL", "--check-config", "--version"}) {
         EXPECT_THAT(out.str(), HasSubstr(option));
     }
+    for (const cimserver::ItemRow& row : cimserver::Items()) {
+        EXPECT_THAT(out.str(), HasSubstr(std::string("  ") + row.name));
+        EXPECT_THAT(out.str(), HasSubstr(row.meaning));
+    }
+    EXPECT_THAT(out.str(), HasSubstr("  cppprovifc.prov_TTL = 5 minutes\n"));
     EXPECT_THAT(err.str(), IsEmpty());
 }
 

@@ -12,16 +12,16 @@ namespace {
 
 using cimserver::Configuration;
 using cimserver::ConfigurationError;
-using testing::HasSubstr;
+using testing::ElementsAre;
 
-std::string Error(const std::string& text) {
+std::vector<std::string> Mistakes(const std::string& text) {
     Configuration configuration;
-    try {
-        configuration.AddText(text, "my.conf");
-    } catch (const ConfigurationError& error) {
-        return error.what();
+    configuration.AddText(text, "my.conf");
+    std::vector<std::string> texts;
+    for (const auto& mistake : configuration.Mistakes()) {
+        texts.push_back(mistake.text);
     }
-    return "no error";
+    return texts;
 }
 
 struct Row {
@@ -53,10 +53,21 @@ INSTANTIATE_TEST_SUITE_P(
                     Row{"a =\na = 2", "2"}, Row{"a =   \n", nullptr}, Row{"", nullptr},
                     Row{"\n  \n\t\r\na = 1", "1"}, Row{"# x\n\n; y\na = 1", "1"}));
 
-TEST(Configuration, ErrorsNameFileAndLine) {
-    EXPECT_EQ(Error("a = 1\n\nnonsense\n"), "my.conf:3: expected `name = value`");
-    EXPECT_EQ(Error(" # not in the first column"), "my.conf:1: expected `name = value`");
-    EXPECT_EQ(Error("# x\n = 1"), "my.conf:2: there is no name before the `=`");
+TEST(Configuration, MistakesNameFileAndLineAndTheOtherLinesCount) {
+    EXPECT_THAT(Mistakes("a = 1\n\nnonsense\n"), ElementsAre("my.conf:3: expected `name = value`"));
+    EXPECT_THAT(Mistakes(" # not in the first column\n = 1\n"),
+                ElementsAre("my.conf:1: expected `name = value`",
+                            "my.conf:2: there is no name before the `=`"));
+    Configuration configuration;
+    configuration.AddText("nonsense\na = 1", "my.conf");
+    EXPECT_EQ(configuration.Get("a", "(absent)"), "1");
+}
+
+TEST(Configuration, RepeatedItemsAreTold) {
+    Configuration configuration;
+    configuration.AddText("a = 1\nb = 1\na = 2\n", "my.conf");
+    EXPECT_THAT(configuration.Repetitions(),
+                ElementsAre("my.conf:3: a: does not count, it stands in my.conf:1 already"));
 }
 
 TEST(Configuration, ItemsRememberWhereTheyStand) {

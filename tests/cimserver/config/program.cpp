@@ -115,6 +115,19 @@ TEST_F(Program, StartErrorsAreOneLineEach) {
                 HasSubstr("there is no directory /absent"));
 }
 
+TEST_F(Program, CheckOfTheConfigurationTellsAllAndEnds) {
+    Running faulty({"--check-config", "--config",
+                    ConfigFile("log.main.level = loud\nzz = 1\ncimserver.mof_files = " + mofFile)});
+    EXPECT_EQ(faulty.Wait(), 1);
+    EXPECT_THAT(faulty.Output(), IsEmpty());
+    EXPECT_THAT(faulty.Error(), AllOf(HasSubstr("/my.conf:1: log.main.level = loud: "),
+                                      HasSubstr("/my.conf:2: zz: unknown item")));
+    Running well({"--check-config", "--mof", mofFile});
+    EXPECT_EQ(well.Wait(), 0);
+    EXPECT_EQ(well.Output(), "The configuration is in order.\n");
+    EXPECT_THAT(well.Error(), IsEmpty());
+}
+
 TEST_F(Program, MistakeInTheMofIsNamedWithItsPlace) {
     const auto file = directory / "bad.mof";
     std::ofstream(file) << "class HT_A {\n  nonsense\n};\n";

@@ -1,9 +1,12 @@
 #include "cimserver/Settings.hpp"
+#include "cimserver/Items.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <set>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -14,7 +17,8 @@ using cimserver::ReadSettings;
 using testing::ElementsAre;
 
 constexpr const char* defaultProviders = "/default/providers";
-const std::string needed = "cimserver.mof_files = /a.mof\n";
+const std::string mofFile = TEST_DATA_DIRECTORY "/program/test.mof";
+const std::string needed = "cimserver.mof_files = " + mofFile + "\n";
 
 cimserver::Settings Read(const std::string& text) {
     Configuration configuration;
@@ -38,7 +42,7 @@ TEST(Settings, Defaults) {
     EXPECT_THAT(settings.providerDirectories, ElementsAre(defaultProviders));
     EXPECT_EQ(settings.providerIdle, 5min);
     EXPECT_EQ(settings.logLevel, OpenWBEM::E_ERROR_LEVEL);
-    EXPECT_THAT(settings.mofFiles, ElementsAre("/a.mof"));
+    EXPECT_THAT(settings.mofFiles, ElementsAre(mofFile));
     EXPECT_EQ(settings.nameSpace, "root/cimv2");
 }
 
@@ -59,10 +63,10 @@ TEST(Settings, EveryItemCounts) {
 
 TEST(Settings, RelativePathsAreOfTheWorkingDirectory) {
     Configuration configuration;
-    configuration.AddText("cimserver.mof_files = one.mof:two.mof", "my.conf");
-    const auto here = std::filesystem::current_path();
+    std::filesystem::current_path(TEST_DATA_DIRECTORY "/program");
+    configuration.AddText("cimserver.mof_files = test.mof:Child.cpp", "my.conf");
     EXPECT_THAT(ReadSettings(configuration, defaultProviders).mofFiles,
-                ElementsAre(here / "one.mof", here / "two.mof"));
+                ElementsAre(mofFile, TEST_DATA_DIRECTORY "/program/Child.cpp"));
 }
 
 TEST(Settings, LogLevels) {
@@ -82,6 +86,40 @@ TEST(Settings, WithoutMofFilesThereIsNothingToServe) {
                      "no MOF file: name the files that declare the classes with --mof FILE or with "
                      "the item cimserver.mof_files");
     }
+}
+
+TEST(Settings, AllMistakesAreCollectedInTheOrderOfTheFile) {
+    Configuration configuration;
+    configuration.AddText("log.main.level = loud\nnonsense\ncimserver.mof_files = /absent.mof\n",
+                          "my.conf");
+    configuration.Override("http_server.http_port", "x", "--listen");
+    std::vector<cimserver::Mistake> mistakes;
+    ReadSettings(configuration, defaultProviders, mistakes);
+    std::vector<std::string> texts;
+    for (const auto& mistake : mistakes) {
+        texts.push_back(mistake.text);
+    }
+    EXPECT_THAT(
+        texts,
+        ElementsAre("--listen: http_server.http_port = x: expected a whole number from 0 to 65535",
+                    "my.conf:1: log.main.level = loud: expected fatal, error, info or debug",
+                    "my.conf:2: expected `name = value`",
+                    "my.conf:3: cimserver.mof_files = /absent.mof: there is no file /absent.mof"));
+}
+
+TEST(Settings, ThePlaceOfTheProvidersMayBeGivenAndNeedNotExistOtherwise) {
+    EXPECT_EQ(Error(""), "no error");
+    EXPECT_EQ(Error("cppprovifc.prov_location = /absent"),
+              "my.conf:2: cppprovifc.prov_location = /absent: there is no directory /absent");
+}
+
+TEST(Settings, EveryItemHasAMeaningAndANameOfItsOwn) {
+    std::set<std::string> names;
+    for (const cimserver::ItemRow& row : cimserver::Items()) {
+        EXPECT_TRUE(names.insert(row.name).second) << row.name;
+        EXPECT_STRNE(row.meaning, "") << row.name;
+    }
+    EXPECT_GT(names.size(), 7U);
 }
 
 struct Row {

@@ -1,0 +1,192 @@
+#include "cimserver/Items.hpp"
+
+#include "cimserver/ItemValue.hpp"
+
+#include <algorithm>
+#include <arpa/inet.h>
+#include <array>
+#include <netinet/in.h>
+
+namespace cimserver {
+
+namespace {
+
+bool IsNumericAddress(const std::string& address) {
+    std::array<unsigned char, sizeof(in6_addr)> bytes{};
+    return inet_pton(AF_INET, address.c_str(), bytes.data()) == 1 ||
+           inet_pton(AF_INET6, address.c_str(), bytes.data()) == 1;
+}
+
+bool IsLoopback(const std::string& address) {
+    in_addr four{};
+    in6_addr six{};
+    if (inet_pton(AF_INET, address.c_str(), &four) == 1) {
+        return (ntohl(four.s_addr) >> 24U) == IN_LOOPBACKNET;
+    }
+    return inet_pton(AF_INET6, address.c_str(), &six) == 1 &&
+           std::equal(std::begin(six.s6_addr), std::end(six.s6_addr),
+                      std::begin(in6addr_loopback.s6_addr));
+}
+
+// Nobody proves here who he is, so only users of this machine may come in.
+void ReadAddresses(const ItemValue& value, Settings& settings) {
+    settings.addresses = value.Words();
+    for (const auto& address : settings.addresses) {
+        if (!IsNumericAddress(address)) {
+            value.Refuse("`" + address + "` is no numeric IPv4 or IPv6 address");
+        }
+        if (!IsLoopback(address)) {
+            value.Refuse("`" + address +
+                         "` can be reached from other machines, and this server has no "
+                         "authentication; use 127.0.0.1 or ::1");
+        }
+    }
+}
+
+void ReadPort(const ItemValue& value, Settings& settings) {
+    if (value.Text() == "-1") {
+        value.Refuse("without HTTP this server has nothing to listen on");
+    }
+    settings.port = static_cast<std::uint16_t>(value.Number(0, 65535));
+}
+
+void ReadProviderDirectories(const ItemValue& value, Settings& settings) {
+    // The fallback is a place beside the program, which whoever reads the settings has put in.
+    if (value.IsGiven()) {
+        settings.providerDirectories = value.Directories();
+    }
+}
+
+void ReadIdleMinutes(const ItemValue& value, Settings& settings) {
+    settings.providerIdle = std::chrono::minutes(value.Number(-1, 1'000'000));
+}
+
+constexpr std::int64_t mostSeconds = 1'000'000;
+
+void ReadCallSeconds(const ItemValue& value, Settings& settings) {
+    settings.callTime = std::chrono::seconds(value.Number(0, mostSeconds));
+}
+
+void ReadBusySeconds(const ItemValue& value, Settings& settings) {
+    settings.busyTime = std::chrono::seconds(value.Number(0, mostSeconds));
+}
+
+void ReadStopSeconds(const ItemValue& value, Settings& settings) {
+    settings.stopTime = std::chrono::seconds(value.Number(0, mostSeconds));
+}
+
+void ReadLogLevel(const ItemValue& value, Settings& settings) {
+    constexpr std::array levels{OpenWBEM::E_FATAL_ERROR_LEVEL, OpenWBEM::E_ERROR_LEVEL,
+                                OpenWBEM::E_INFO_LEVEL, OpenWBEM::E_DEBUG_LEVEL};
+    settings.logLevel = levels.at(value.Choice({"fatal", "error", "info", "debug"}));
+}
+
+void ReadMofFiles(const ItemValue& value, Settings& settings) {
+    settings.mofFiles = value.Files();
+    if (value.IsGiven() && settings.mofFiles.empty()) {
+        value.Refuse("expected names of files");
+    }
+}
+
+void ReadNameSpace(const ItemValue& value, Settings& settings) {
+    std::string name;
+    for (const auto& part : std::filesystem::path(value.Text())) {
+        if (!part.empty() && part != "/") {
+            name += name.empty() ? part.string() : "/" + part.string();
+        }
+    }
+    if (name.empty()) {
+        value.Refuse("expected a name such as root/cimv2");
+    }
+    settings.nameSpace = name;
+}
+
+void ReadLibraryItems(const ItemValue& value, Settings& settings) {
+    settings.libraryItems = value.Words();
+}
+
+constexpr ItemRow rows[] = {
+    {items::addresses, "127.0.0.1", "", "numeric addresses to listen on, separated by blanks",
+     Effect::atRestart, &ReadAddresses},
+    {items::port, "5988", "", "port for CIM-XML over HTTP; 0: any free one", Effect::atRestart,
+     &ReadPort},
+    {items::providerDirectories, "../lib/providers beside the program", "",
+     "directories of provider libraries, separated by : or ;", Effect::atRestart,
+     &ReadProviderDirectories},
+    {items::idleMinutes, "5", "minutes", "until an idle library is closed; -1: never",
+     Effect::atRestart, &ReadIdleMinutes},
+    {items::callSeconds, "300", "seconds",
+     "a call runs in a library before its client is told that it is late; 0: any time",
+     Effect::atRestart, &ReadCallSeconds},
+    {items::busySeconds, "60", "seconds", "a call waits for a library that is busy; 0: any time",
+     Effect::atRestart, &ReadBusySeconds},
+    {items::stopSeconds, "20", "seconds", "running calls have to end when the server stops",
+     Effect::atRestart, &ReadStopSeconds},
+    {items::mofFiles, "", "",
+     "files that declare qualifiers and classes, in order, separated by : or ;", Effect::atRestart,
+     &ReadMofFiles},
+    {items::nameSpace, "root/cimv2", "", "CIM namespace of the classes", Effect::atRestart,
+     &ReadNameSpace},
+    {items::libraryItems, "", "",
+     "items that only provider libraries read, separated by blanks: --check-config lets them pass",
+     Effect::atRestart, &ReadLibraryItems},
+    {items::logLevel, "error", "", "fatal, error, info or debug", Effect::atRestart, &ReadLogLevel},
+};
+
+/// A name that is also in the table above counts there.
+constexpr std::string_view othersOfOpenWbem[] = {
+    "http_server.https_port",
+    "http_server.SSL_cert",
+    "http_server.ssl_client_verification",
+    "http_server.ssl_trust_store",
+    "http_server.max_connections",
+    "http_server.timeout",
+    "http_server.single_thread",
+    "http_server.enable_deflate",
+    "http_server.reuse_addr",
+    "http_server.use_UDS",
+    "http_server.uds_filename",
+    "http_server.use_digest",
+    "http_server.digest_password_file",
+    "http_server.allow_local_authentication",
+    "http_server.default_content_language",
+    "owcimomd.allow_anonymous",
+    "owcimomd.authentication_module",
+    "simple_auth.password_file",
+    "owcimomd.allowed_users",
+    "owcimomd.debugflag",
+    "log.main.type",
+    "log.main.location",
+    "log.main.categories",
+    "log.main.components",
+    "log.main.format",
+    "log.main.max_file_size",
+    "log.main.max_backup_index",
+    "owcimomd.additional_logs",
+    "owcimomd.log_location",
+    "owcimomd.log_level",
+    "owcimomd.dump_socket_io",
+    "owcimomd.datadir",
+    "owcimomd.interop_schema_namespace",
+    "owcimomd.disable_indications",
+    "owcimomd.restart_on_error",
+    "owcimomd.request_handler_TTL",
+};
+
+} // namespace
+
+std::span<const ItemRow> Items() {
+    return rows;
+}
+
+bool IsUnusedItemOfOpenWbem(std::string_view name) {
+    const bool isUsed = std::any_of(std::begin(rows), std::end(rows),
+                                    [&](const ItemRow& row) { return row.name == name; });
+    // Further logs have the items of the main one, each log under a name of its own.
+    const bool isOfAnotherLog = name.starts_with("log.") && !name.starts_with("log.main.");
+    return !isUsed &&
+           (isOfAnotherLog || std::find(std::begin(othersOfOpenWbem), std::end(othersOfOpenWbem),
+                                        name) != std::end(othersOfOpenWbem));
+}
+
+} // namespace cimserver
