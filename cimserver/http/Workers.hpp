@@ -14,7 +14,7 @@ class Workers {
 public:
     using Clock = std::chrono::steady_clock;
 
-    explicit Workers(std::chrono::milliseconds idleTime = std::chrono::seconds(5));
+    explicit Workers(std::chrono::milliseconds idleTime = std::chrono::seconds(2));
     /// Waits for the tasks.
     ~Workers();
     Workers(const Workers&) = delete;
