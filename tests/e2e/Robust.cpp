@@ -22,15 +22,19 @@ std::string TextOf(const std::filesystem::path& file) {
 std::map<pid_t, pid_t> Parents() {
     std::map<pid_t, pid_t> parents;
     for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
+        const std::string number = entry.path().filename();
+        if (number.find_first_not_of("0123456789") != std::string::npos) {
+            continue;
+        }
         const std::string text = TextOf(entry.path() / "stat");
         const std::size_t name = text.rfind(')');
         if (name == std::string::npos) {
-            continue;
+            continue; // it has ended meanwhile
         }
         char state = 0;
         pid_t parent = 0;
         std::istringstream(text.substr(name + 1)) >> state >> parent;
-        parents[static_cast<pid_t>(std::stol(entry.path().filename()))] = parent;
+        parents[static_cast<pid_t>(std::stol(number))] = parent;
     }
     return parents;
 }
