@@ -195,8 +195,7 @@ std::shared_ptr<AnswerInTransit> Exchange::Make(const Handler& handler, bool can
                                                 const Settings& settings, Workers& workers) {
     answer_ =
         std::make_shared<AnswerInTransit>(canStream, settings.spoolDirectory, settings.callTime);
-    workers.Run([answer = answer_, asked = std::make_shared<const Request>(std::move(request)),
-                 &handler] { answer->MakeWith(handler, *asked); });
+    workers.Run([answer = answer_, asked = kept_, &handler] { answer->MakeWith(handler, *asked); });
     if (!answer_->WaitUntilReady()) {
         answer_ = answer_->InItsPlace();
     }

@@ -89,19 +89,24 @@ private:
 /// Made when a request's first line was read, destroyed by the connection's thread when its answer
 /// is sent or the client has gone. The handler may be running then; it keeps what it needs.
 class Exchange {
+    /// Shared with the worker.
+    const std::shared_ptr<Request> kept_;
+
 public:
-    explicit Exchange(const char* target) { request.target = target; }
+    explicit Exchange(const char* target) : kept_(std::make_shared<Request>()), request(*kept_) {
+        request.target = target;
+    }
     ~Exchange();
     Exchange(const Exchange&) = delete;
     Exchange& operator=(const Exchange&) = delete;
 
-    /// Has the answer made by a worker and takes `request` away for it; returns when there is
-    /// something to be sent. Throws std::system_error when there is no thread. `handler` must
+    /// Has the answer made by a worker; from now on the request does not change. Returns when there
+    /// is something to be sent. Throws std::system_error when there is no thread. `handler` must
     /// outlive the workers.
     std::shared_ptr<AnswerInTransit> Make(const Handler& handler, bool canStream,
                                           const Settings& settings, Workers& workers);
 
-    Request request;
+    Request& request;
     bool begun = false;
     bool tooLarge = false;
     std::size_t discarded = 0;
