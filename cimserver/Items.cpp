@@ -6,6 +6,7 @@
 #include <arpa/inet.h>
 #include <array>
 #include <netinet/in.h>
+#include <type_traits>
 
 namespace cimserver {
 
@@ -105,6 +106,27 @@ void ReadLibraryItems(const ItemValue& value, Settings& settings) {
     settings.libraryItems = value.Words();
 }
 
+/// A limit in the settings; what does not fit into it is refused by the bounds.
+template <auto limit, std::int64_t least, std::int64_t most>
+void ReadLimit(const ItemValue& value, Settings& settings) {
+    auto& target = settings.limits.*limit;
+    target = static_cast<std::remove_reference_t<decltype(target)>>(value.Number(least, most));
+}
+
+void ReadLogType(const ItemValue& value, Settings& settings) {
+    settings.logsToFile = value.Choice({"stderr", "file"}) == 1;
+}
+
+void ReadLogLocation(const ItemValue& value, Settings& settings) {
+    if (value.IsGiven()) {
+        settings.logLocation = std::filesystem::absolute(value.Text());
+    }
+}
+
+void ReadRequestLog(const ItemValue& value, Settings& settings) {
+    settings.requestLog = value.Flag();
+}
+
 constexpr ItemRow rows[] = {
     {items::addresses, "127.0.0.1", "", "numeric addresses to listen on, separated by blanks",
      Effect::atRestart, &ReadAddresses},
@@ -130,7 +152,32 @@ constexpr ItemRow rows[] = {
     {items::libraryItems, "", "",
      "items that only provider libraries read, separated by blanks: --check-config lets them pass",
      Effect::atRestart, &ReadLibraryItems},
-    {items::logLevel, "error", "", "fatal, error, info or debug", Effect::atRestart, &ReadLogLevel},
+    {items::maxConnections, "200", "", "connections at once; one more is closed", Effect::atRestart,
+     &ReadLimit<&Limits::connections, 1, 10'000>},
+    {items::maxConnectionsPerAddress, "100", "", "the same for one client address",
+     Effect::atRestart, &ReadLimit<&Limits::connectionsPerAddress, 1, 10'000>},
+    {items::idleSeconds, "300", "seconds", "until a connection on which nothing happens is closed",
+     Effect::atRestart, &ReadLimit<&Limits::idleSeconds, 1, 86'400>},
+    {items::requestSeconds, "30", "seconds", "for a whole request to arrive; then status 408",
+     Effect::atRestart, &ReadLimit<&Limits::requestSeconds, 1, 86'400>},
+    {items::maxHeaderBytes, "8192", "bytes", "head of a request; above it status 431",
+     Effect::atRestart, &ReadLimit<&Limits::headerBytes, 256, 32'768>},
+    {items::maxBodyBytes, "1048576", "bytes", "body of a request; above it status 413",
+     Effect::atRestart, &ReadLimit<&Limits::bodyBytes, 1024, 1'073'741'824>},
+    {items::maxXmlDepth, "64", "", "elements of a request within each other; above it status 400",
+     Effect::atRestart, &ReadLimit<&Limits::xmlDepth, 16, 1000>},
+    {items::maxXmlAttributes, "32", "", "attributes of an element; above it status 400",
+     Effect::atRestart, &ReadLimit<&Limits::xmlAttributes, 8, 10'000>},
+    {items::maxXmlElements, "20000", "", "elements of a request; above it status 400",
+     Effect::atRestart, &ReadLimit<&Limits::xmlElements, 100, 10'000'000>},
+    {items::maxKeyBindings, "32", "", "keys of an instance name; above it status 400",
+     Effect::atRestart, &ReadLimit<&Limits::keyBindings, 1, 10'000>},
+    {items::logType, "stderr", "", "stderr or file", Effect::atReload, &ReadLogType},
+    {items::logLocation, "", "", "name of the log file, for log.main.type = file", Effect::atReload,
+     &ReadLogLocation},
+    {items::logLevel, "error", "", "fatal, error, info or debug", Effect::atReload, &ReadLogLevel},
+    {items::requestLog, "true", "", "a line for each request, whatever the level: true or false",
+     Effect::atReload, &ReadRequestLog},
 };
 
 /// A name that is also in the table above counts there.
@@ -139,8 +186,6 @@ constexpr std::string_view othersOfOpenWbem[] = {
     "http_server.SSL_cert",
     "http_server.ssl_client_verification",
     "http_server.ssl_trust_store",
-    "http_server.max_connections",
-    "http_server.timeout",
     "http_server.single_thread",
     "http_server.enable_deflate",
     "http_server.reuse_addr",
@@ -155,8 +200,6 @@ constexpr std::string_view othersOfOpenWbem[] = {
     "simple_auth.password_file",
     "owcimomd.allowed_users",
     "owcimomd.debugflag",
-    "log.main.type",
-    "log.main.location",
     "log.main.categories",
     "log.main.components",
     "log.main.format",

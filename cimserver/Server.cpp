@@ -1,7 +1,5 @@
 #include "cimserver/Server.hpp"
 
-#include "cimserver/cimxml/CimXml.hpp"
-
 #include <algorithm>
 #include <climits>
 #include <string_view>
@@ -65,22 +63,78 @@ OpenWBEM::String HostName() {
     return isNamed ? name : "localhost";
 }
 
+http::Settings ListenerSettings(const Settings& settings, http::Observer& observer) {
+    http::Settings result;
+    result.port = settings.port;
+    result.maxConnections = settings.limits.connections;
+    result.maxConnectionsPerAddress = settings.limits.connectionsPerAddress;
+    result.maxHeaderBytes = settings.limits.headerBytes;
+    result.maxBodyBytes = settings.limits.bodyBytes;
+    result.idleSeconds = settings.limits.idleSeconds;
+    result.requestSeconds = settings.limits.requestSeconds;
+    result.callTime = settings.callTime;
+    result.observer = &observer;
+    result.watch = http::WatchTogether(result);
+    return result;
+}
+
+const char* ItemOf(http::Limit limit) {
+    switch (limit) {
+    case http::Limit::headerBytes:
+        return items::maxHeaderBytes;
+    case http::Limit::bodyBytes:
+        return items::maxBodyBytes;
+    case http::Limit::connections:
+        return items::maxConnections;
+    case http::Limit::connectionsOfAddress:
+        return items::maxConnectionsPerAddress;
+    case http::Limit::requestTime:
+        break;
+    }
+    return items::requestSeconds;
+}
+
+const char* ItemOf(cimxml::XmlLimit limit) {
+    switch (limit) {
+    case cimxml::XmlLimit::depth:
+        return items::maxXmlDepth;
+    case cimxml::XmlLimit::attributes:
+        return items::maxXmlAttributes;
+    case cimxml::XmlLimit::elements:
+        return items::maxXmlElements;
+    case cimxml::XmlLimit::keyBindings:
+        break;
+    }
+    return items::maxKeyBindings;
+}
+
+std::string StatusText(int status) {
+    return "status-" + std::to_string(status);
+}
+
+std::string TextOf(const cimxml::Outcome& outcome) {
+    if (outcome.httpStatus != 200) {
+        return StatusText(outcome.httpStatus);
+    }
+    return outcome.cimError == 0 ? "ok" : cimxml::ErrorName(outcome.cimError);
+}
+
 } // namespace
 
-Server::Server(const Settings& settings, const Configuration& configuration,
-               const OpenWBEM::LoggerRef& logger)
-    : addresses_(settings.addresses) {
+Server::Server(const Settings& settings, const Configuration& configuration, Log& log)
+    : log_(log),
+      limitLog_(log.Logger()), xmlLimits_{settings.limits.xmlDepth, settings.limits.xmlAttributes,
+                                          settings.limits.xmlElements, settings.limits.keyBindings},
+      addresses_(settings.addresses) {
     for (const auto& file : settings.mofFiles) {
         schema_.AddFile(file);
     }
-    host_ = std::make_unique<host::Host>(HostSettings(settings, configuration, logger));
+    host_ = std::make_unique<host::Host>(HostSettings(settings, configuration, log.Logger()));
     operations_ = std::make_unique<operations::Operations>(
         schema_, *host_, OpenWBEM::String(settings.nameSpace.c_str()), HostName());
+    http::Settings listener = ListenerSettings(settings, *this);
     for (const auto& address : addresses_) {
-        http::Settings listener;
         listener.address = address;
-        listener.port = settings.port;
-        listener.callTime = settings.callTime;
         listeners_.push_back(std::make_unique<http::Server>(
             listener, [this](const http::Request& request, http::Answer& answer) {
                 AnswerRequest(request, answer);
@@ -107,7 +161,20 @@ bool Server::Finish(std::chrono::milliseconds longest) {
                        [until](const auto& listener) { return listener->WaitUntilIdle(until); });
 }
 
+void Server::Reached(http::Limit limit, const std::string& clientAddress) {
+    limitLog_.Reached(ItemOf(limit), clientAddress);
+}
+
+void Server::Refused(int status, const std::string& clientAddress) {
+    const std::string outcome = status == 0 ? "refused" : StatusText(status);
+    RequestRecord record;
+    record.client = clientAddress;
+    record.outcome = outcome;
+    log_.Request(record);
+}
+
 void Server::AnswerRequest(const http::Request& request, http::Answer& answer) {
+    const auto start = std::chrono::steady_clock::now();
     cimxml::Message message;
     message.method = request.method;
     for (const auto& header : request.headers) {
@@ -115,7 +182,39 @@ void Server::AnswerRequest(const http::Request& request, http::Answer& answer) {
     }
     message.body = request.body;
     AnswerOutput output(answer);
-    cimxml::Answer(message, *operations_, output);
+    cimxml::Outcome outcome;
+    try {
+        outcome = cimxml::Answer(message, *operations_, output, xmlLimits_);
+        if (answer.IsGivenUp()) {
+            outcome.cimError = OpenWBEM::CIMException::FAILED;
+        }
+    } catch (...) {
+        constexpr int internalServerError = 500;
+        outcome.httpStatus = internalServerError;
+        Record(request, outcome, start);
+        throw;
+    }
+    Record(request, outcome, start);
+}
+
+void Server::Record(const http::Request& request, const cimxml::Outcome& outcome,
+                    std::chrono::steady_clock::time_point start) {
+    if (outcome.reached) {
+        limitLog_.Reached(ItemOf(*outcome.reached), request.clientAddress);
+    }
+    if (!log_.LogsRequests()) {
+        return;
+    }
+    const std::string text = TextOf(outcome);
+    RequestRecord record;
+    record.client = request.clientAddress;
+    record.operation = outcome.operation;
+    record.className = outcome.className;
+    record.method = outcome.method;
+    record.outcome = text;
+    record.duration = std::chrono::duration_cast<std::chrono::microseconds>(
+        std::chrono::steady_clock::now() - start);
+    log_.Request(record);
 }
 
 } // namespace cimserver

@@ -2,13 +2,14 @@
 #pragma once
 
 #include "cimserver/Configuration.hpp"
+#include "cimserver/LimitLog.hpp"
+#include "cimserver/Log.hpp"
 #include "cimserver/Settings.hpp"
+#include "cimserver/cimxml/CimXml.hpp"
 #include "cimserver/host/Host.hpp"
 #include "cimserver/http/Http.hpp"
 #include "cimserver/mof/Mof.hpp"
 #include "cimserver/operations/Operations.hpp"
-
-#include "OW_Logger.hpp"
 
 #include <chrono>
 #include <memory>
@@ -19,12 +20,11 @@ namespace cimserver {
 
 /// Serves from construction on. The destructor stops listening, lets running calls end, then drops
 /// the providers on its own thread.
-class Server {
+class Server final : private http::Observer {
 public:
-    /// `configuration` is what providers may ask for; it must outlive the server. Throws MofError,
-    /// ListenError.
-    Server(const Settings& settings, const Configuration& configuration,
-           const OpenWBEM::LoggerRef& logger);
+    /// `configuration` is what providers may ask for; it and the log must outlive the server.
+    /// Throws MofError, ListenError.
+    Server(const Settings& settings, const Configuration& configuration, Log& log);
 
     /// The addresses really listened on: `http://127.0.0.1:5988`.
     std::vector<std::string> Urls() const;
@@ -34,9 +34,16 @@ public:
     bool Finish(std::chrono::milliseconds longest);
 
 private:
+    void Reached(http::Limit limit, const std::string& clientAddress) override;
+    void Refused(int status, const std::string& clientAddress) override;
     void AnswerRequest(const http::Request& request, http::Answer& answer);
+    void Record(const http::Request& request, const cimxml::Outcome& outcome,
+                std::chrono::steady_clock::time_point start);
 
     // In the order of life: each uses only those before it.
+    Log& log_;
+    LimitLog limitLog_;
+    const cimxml::XmlLimits xmlLimits_;
     mof::Schema schema_;
     std::unique_ptr<host::Host> host_;
     std::unique_ptr<operations::Operations> operations_;

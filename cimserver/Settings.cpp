@@ -21,7 +21,14 @@ void ReadItem(const ItemRow& row, const Configuration& configuration, Settings& 
 }
 
 /// What no item says alone.
-void CheckTogether(const Configuration& configuration, std::vector<Mistake>& mistakes) {
+void CheckTogether(const Configuration& configuration, const Settings& settings,
+                   std::vector<Mistake>& mistakes) {
+    const Configuration::Item* type = configuration.Find(items::logType);
+    if (settings.logsToFile && settings.logLocation.empty()) {
+        mistakes.push_back({type->line, type->origin + ": " + items::logType +
+                                            " = file: name the file with the item " +
+                                            items::logLocation});
+    }
     if (configuration.Find(items::mofFiles) == nullptr) {
         mistakes.push_back({Mistake::nowhere,
                             std::string("no MOF file: name the files that declare the classes with "
@@ -45,7 +52,7 @@ Settings ReadSettings(const Configuration& configuration,
     for (const ItemRow& row : Items()) {
         ReadItem(row, configuration, settings, mistakes);
     }
-    CheckTogether(configuration, mistakes);
+    CheckTogether(configuration, settings, mistakes);
     std::stable_sort(mistakes.begin(), mistakes.end(),
                      [](const Mistake& a, const Mistake& b) { return a.line < b.line; });
     return settings;

@@ -26,8 +26,35 @@ inline constexpr const char* stopSeconds = "cimserver.stop_seconds";
 inline constexpr const char* mofFiles = "cimserver.mof_files";
 inline constexpr const char* nameSpace = "cimserver.namespace";
 inline constexpr const char* libraryItems = "cimserver.library_items";
+inline constexpr const char* maxConnections = "http_server.max_connections";
+inline constexpr const char* maxConnectionsPerAddress = "cimserver.max_connections_per_address";
+inline constexpr const char* idleSeconds = "http_server.timeout";
+inline constexpr const char* requestSeconds = "cimserver.request_seconds";
+inline constexpr const char* maxHeaderBytes = "cimserver.max_header_bytes";
+inline constexpr const char* maxBodyBytes = "cimserver.max_body_bytes";
+inline constexpr const char* maxXmlDepth = "cimserver.max_xml_depth";
+inline constexpr const char* maxXmlAttributes = "cimserver.max_xml_attributes";
+inline constexpr const char* maxXmlElements = "cimserver.max_xml_elements";
+inline constexpr const char* maxKeyBindings = "cimserver.max_key_bindings";
+inline constexpr const char* logType = "log.main.type";
+inline constexpr const char* logLocation = "log.main.location";
 inline constexpr const char* logLevel = "log.main.level";
+inline constexpr const char* requestLog = "cimserver.request_log";
 } // namespace items
+
+/// Of what clients may ask for; what happens at each is told in docs/running.md.
+struct Limits {
+    unsigned connections = 0;
+    unsigned connectionsPerAddress = 0;
+    unsigned idleSeconds = 0;
+    unsigned requestSeconds = 0;
+    std::size_t headerBytes = 0;
+    std::size_t bodyBytes = 0;
+    std::size_t xmlDepth = 0;
+    std::size_t xmlAttributes = 0;
+    std::size_t xmlElements = 0;
+    std::size_t keyBindings = 0;
+};
 
 struct Settings {
     std::vector<std::string> addresses; ///< numeric IPv4 or IPv6, loopback all of them
@@ -40,7 +67,14 @@ struct Settings {
     std::vector<std::filesystem::path> mofFiles;
     std::string nameSpace; ///< without slash at either end
     std::vector<std::string> libraryItems;
+    Limits limits;
+    bool logsToFile = false;
+    std::filesystem::path logLocation;
     OpenWBEM::ELogLevel logLevel = OpenWBEM::E_ERROR_LEVEL;
+    bool requestLog = false;
+
+    /// Empty: standard error.
+    std::filesystem::path LogFile() const { return logsToFile ? logLocation : ""; }
 };
 
 /// Beside the running program. Throws std::system_error.

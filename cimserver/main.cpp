@@ -22,8 +22,9 @@ ExitCode Run(int argc, const char* const* argv) {
     const Settings settings = ReadSettings(configuration, DefaultProviderDirectory());
     SettleDescriptors();
     const StopSignal stop;
-    const auto logger = MakeLogger(settings.logLevel);
-    Server server(settings, configuration, logger);
+    Log log(settings.logLevel, settings.LogFile());
+    log.SetRequests(settings.requestLog);
+    Server server(settings, configuration, log);
     for (const auto& url : server.Urls()) {
         WriteReadinessLine("Listening on " + url);
     }
@@ -31,7 +32,7 @@ ExitCode Run(int argc, const char* const* argv) {
     if (!server.Finish(settings.stopTime)) {
         // Waiting for these calls is what the server's destructor would do.
         const auto time = std::to_string(settings.stopTime.count());
-        logger->logError(
+        log.Logger()->logError(
             ("calls still run after " + time + " s; the server ends without them").c_str());
         std::_Exit(exitDone);
     }

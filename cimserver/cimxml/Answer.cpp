@@ -3,6 +3,7 @@
 #include "cimserver/cimxml/CimXml.hpp"
 #include "cimserver/cimxml/Extension.hpp"
 #include "cimserver/cimxml/Headers.hpp"
+#include "cimserver/cimxml/Note.hpp"
 #include "cimserver/cimxml/ProtocolError.hpp"
 #include "cimserver/cimxml/TimeLimit.hpp"
 
@@ -27,7 +28,7 @@ Frame FrameOf(const operations::Call& call) {
 }
 
 void AnswerCall(const MethodCall& call, const Message& message, operations::Executor& executor,
-                Output& output) {
+                Output& output, Outcome& outcome) {
     output.Head(AnswerStatus());
     const auto answerTo =
         std::make_shared<const AnswerTo>(AnswerTo{call.messageId, call.name, call.isExtrinsic});
@@ -37,37 +38,49 @@ void AnswerCall(const MethodCall& call, const Message& message, operations::Exec
         operations::Request request = ReadRequest(call);
         request.user = message.user;
         request.watch = &timeLimit;
+        Note(request.call, outcome);
         writer.Begin(FrameOf(request.call));
         executor.Execute(request, writer);
         writer.Finish();
     } catch (const OpenWBEM::CIMException& error) {
+        outcome.cimError = static_cast<int>(error.getErrNo());
         writer.Fail(error);
     }
 }
 
-void AnswerRequest(const Message& message, const std::string& prefix,
-                   operations::Executor& executor, Output& output) {
+void Refuse(const ProtocolError& error, Output& output, Outcome& outcome) {
+    outcome.httpStatus = error.AsStatus().httpStatus;
+    outcome.reached = error.reached;
+    output.Head(error.AsStatus());
+}
+
+void AnswerRequest(const Message& message, const std::string& prefix, const XmlLimits& limits,
+                   operations::Executor& executor, Output& output, Outcome& outcome) {
     try {
         CheckHeaders(message, prefix);
-        const Element root = ParseXml(message.body);
+        const Element root = ParseXml(message.body, limits);
         const MethodCall call = ReadMethodCall(root);
+        Note(call, outcome);
         CheckAgainstHeaders(call, message, prefix);
-        AnswerCall(call, message, executor, output);
+        AnswerCall(call, message, executor, output, outcome);
     } catch (const ProtocolError& error) {
-        output.Head(error.AsStatus());
+        Refuse(error, output, outcome);
     }
 }
 
 } // namespace
 
-void Answer(const Message& message, operations::Executor& executor, Output& output) {
+Outcome Answer(const Message& message, operations::Executor& executor, Output& output,
+               const XmlLimits& limits) {
+    Outcome outcome;
     try {
         const Extension extension = ExtensionOf(message);
         ExtendedOutput extended(output, extension);
-        AnswerRequest(message, extension.prefix, executor, extended);
+        AnswerRequest(message, extension.prefix, limits, executor, extended, outcome);
     } catch (const ProtocolError& error) {
-        output.Head(error.AsStatus());
+        Refuse(error, output, outcome);
     }
+    return outcome;
 }
 
 } // namespace cimserver::cimxml

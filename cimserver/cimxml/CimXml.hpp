@@ -5,7 +5,9 @@
 #include "cimserver/operations/Operations.hpp"
 
 #include <chrono>
+#include <cstddef>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -61,7 +63,30 @@ public:
     virtual void LiftLimit() = 0;
 };
 
+struct XmlLimits {
+    std::size_t depth = 64;
+    std::size_t attributes = 32; ///< of one element
+    std::size_t elements = 20'000;
+    std::size_t keyBindings = 32; ///< of one instance name
+};
+
+enum class XmlLimit { depth, attributes, elements, keyBindings };
+
+/// What became of a message, for whoever keeps a record of it.
+struct Outcome {
+    std::string operation; ///< as the client wrote it, any bytes; empty: it was not read so far
+    std::string className; ///< the same, of the object that is asked; empty: none
+    std::string method;    ///< the same, when a method is called
+    int httpStatus = 200;
+    int cimError = 0; ///< DMTF DSP0200's number of the error in the answer; 0: none
+    std::optional<XmlLimit> reached;
+};
+
 /// Answers one message: a CIM error is part of the answer, never an exception.
-void Answer(const Message& message, operations::Executor& executor, Output& output);
+Outcome Answer(const Message& message, operations::Executor& executor, Output& output,
+               const XmlLimits& limits = {});
+
+/// `CIM_ERR_NOT_FOUND` of 6; `CIM_ERR_` and the number of one that the standard does not have.
+std::string ErrorName(int cimError);
 
 } // namespace cimserver::cimxml

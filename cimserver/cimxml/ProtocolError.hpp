@@ -3,6 +3,7 @@
 
 #include "cimserver/cimxml/CimXml.hpp"
 
+#include <optional>
 #include <stdexcept>
 #include <utility>
 
@@ -19,6 +20,9 @@ public:
 
     const Status& AsStatus() const { return status_; }
 
+    /// The limit that the request reached.
+    std::optional<XmlLimit> reached;
+
 private:
     Status status_;
 };
@@ -30,8 +34,10 @@ inline ProtocolError NotLooselyValid() {
     return {400, "request-not-loosely-valid"};
 }
 /// Allowed by the DTD, but more than this server takes.
-inline ProtocolError NotValid() {
-    return {400, "request-not-valid"};
+inline ProtocolError NotValid(std::optional<XmlLimit> reached = std::nullopt) {
+    ProtocolError error(400, "request-not-valid");
+    error.reached = reached;
+    return error;
 }
 inline ProtocolError HeaderMismatch() {
     return {400, "header-mismatch"};

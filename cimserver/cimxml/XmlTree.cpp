@@ -39,7 +39,7 @@ public:
             throw std::bad_alloc();
         }
         if (stop_ == Stop::Refused) {
-            throw NotValid();
+            throw NotValid(reached_);
         }
         if (status != XML_STATUS_OK) {
             throw NotWellFormed();
@@ -74,8 +74,8 @@ private:
 
     void StartElement(const XML_Char* name, const XML_Char** attributes) {
         try {
-            if (++count_ > limits_.elements || open_.size() + unknownDepth_ > limits_.depth ||
-                !AreAllowed(attributes)) {
+            if (const auto limit = Exceeded(name, attributes)) {
+                reached_ = limit;
                 return StopWith(Stop::Refused);
             }
             if (unknownDepth_ > 0 || !IsDtdElement(name)) {
@@ -93,12 +93,25 @@ private:
         }
     }
 
-    bool AreAllowed(const XML_Char** attributes) const {
-        std::size_t count = 0;
-        while (attributes[2 * count] != nullptr) {
-            ++count;
+    std::optional<XmlLimit> Exceeded(std::string_view name, const XML_Char** attributes) {
+        if (++count_ > limits_.elements) {
+            return XmlLimit::elements;
         }
-        return count <= limits_.attributes;
+        if (open_.size() + unknownDepth_ > limits_.depth) {
+            return XmlLimit::depth;
+        }
+        std::size_t attributeCount = 0;
+        while (attributes[2 * attributeCount] != nullptr) {
+            ++attributeCount;
+        }
+        if (attributeCount > limits_.attributes) {
+            return XmlLimit::attributes;
+        }
+        // An instance name holds nothing else.
+        if (name == "KEYBINDING" && open_.back()->children.size() >= limits_.keyBindings) {
+            return XmlLimit::keyBindings;
+        }
+        return std::nullopt;
     }
 
     void EndElement() {
@@ -127,6 +140,7 @@ private:
     std::size_t unknownDepth_ = 0; ///< how many elements the DTD does not know are open
     std::size_t count_ = 0;
     Stop stop_ = Stop::No;
+    std::optional<XmlLimit> reached_;
 };
 
 } // namespace

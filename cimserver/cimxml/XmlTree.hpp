@@ -2,6 +2,8 @@
 // a tree is the simplest form.
 #pragma once
 
+#include "cimserver/cimxml/CimXml.hpp"
+
 #include <string>
 #include <string_view>
 #include <utility>
@@ -23,12 +25,6 @@ struct Element {
     const Element& OnlyChild() const;
     /// The only child, which must be of that name.
     const Element& OnlyChild(std::string_view childName) const;
-};
-
-struct XmlLimits {
-    std::size_t depth = 64;
-    std::size_t attributes = 32; ///< of one element
-    std::size_t elements = 20'000;
 };
 
 /// The document without the elements that the DTD does not know, which a loosely valid one may hold

@@ -104,6 +104,11 @@ void AnswerInTransit::LiftLimit() {
     limit_.reset();
 }
 
+bool AnswerInTransit::IsGivenUp() const {
+    const std::lock_guard lock(mutex_);
+    return isGivenUp_;
+}
+
 void AnswerInTransit::MakeWith(const Handler& handler, const Request& request) noexcept {
     bool isMade = false;
     try {

@@ -37,6 +37,7 @@ public:
     void SetTrailers(std::vector<Header> trailers) override;
     void LimitTime(MakeLateAnswer late) override;
     void LiftLimit() override;
+    bool IsGivenUp() const override;
     /// Calls the handler and ends the answer, whatever the handler does.
     void MakeWith(const Handler& handler, const Request& request) noexcept;
 

@@ -68,6 +68,8 @@ public:
     virtual void LimitTime(MakeLateAnswer late) = 0;
     /// The handler may take any time again.
     virtual void LiftLimit() = 0;
+    /// True: the client has got something else.
+    virtual bool IsGivenUp() const = 0;
 };
 
 /// Called from several threads at once; may block. An exception that escapes becomes status 500, or
@@ -75,15 +77,39 @@ public:
 /// it returns, also when the client has gone.
 using Handler = std::function<void(const Request&, Answer&)>;
 
+enum class Limit { headerBytes, bodyBytes, connections, connectionsOfAddress, requestTime };
+
+/// Is told what the service does by itself, without a handler. Called from several threads at once;
+/// must not throw.
+class Observer {
+public:
+    virtual ~Observer() = default;
+    virtual void Reached(Limit limit, const std::string& clientAddress) = 0;
+    /// A request got this status. 0: the HTTP library chose one, because the head was larger than
+    /// its memory or was none.
+    virtual void Refused(int status, const std::string& clientAddress) = 0;
+};
+
+class ConnectionWatch;
+
 struct Settings {
     std::string address = "127.0.0.1"; ///< IPv4 or IPv6 in numeric form
     std::uint16_t port = 5988;         ///< 0: any free port
-    unsigned maxConnections = 30;      ///< a connection above that is closed at once
+    unsigned maxConnections = 200;     ///< a connection above that is closed at once
+    unsigned maxConnectionsPerAddress = 100;
+    std::size_t maxHeaderBytes = std::size_t{8} * 1024; ///< with the first line; at most 32 KiB
     std::size_t maxBodyBytes = std::size_t{1024} * 1024;
     unsigned idleSeconds = 300;
+    unsigned requestSeconds = 30;          ///< for a whole request to arrive
     std::chrono::milliseconds callTime{0}; ///< of a handler that limits its time; 0: any
     std::string spoolDirectory;            ///< for large answers; empty: $TMPDIR, or /tmp
+    Observer* observer = nullptr;          ///< outlives the server; null: nobody is told
+    /// The one whose limits this listener shares with others; null: one of its own.
+    std::shared_ptr<ConnectionWatch> watch;
 };
+
+/// For listeners that share the limits of connections and requests of these settings.
+std::shared_ptr<ConnectionWatch> WatchTogether(const Settings& settings);
 
 /// The address cannot be listened on; the text says which and why.
 class ListenError : public std::runtime_error {

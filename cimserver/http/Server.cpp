@@ -1,10 +1,10 @@
+#include "cimserver/http/ConnectionWatch.hpp"
 #include "cimserver/http/Exchange.hpp"
 #include "cimserver/http/Framing.hpp"
 #include "cimserver/http/Http.hpp"
 #include "cimserver/http/ListeningSocket.hpp"
 #include "cimserver/http/Sending.hpp"
 
-#include <array>
 #include <atomic>
 #include <charconv>
 #include <cstring>
@@ -13,7 +13,6 @@
 #include <utility>
 
 #include <microhttpd.h>
-#include <netdb.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -30,20 +29,26 @@ constexpr std::size_t bytesReadInVain = 64 * 1024;
 /// once.
 constexpr std::size_t connectionMemory = AnswerQueue::blockSize + 4 * 1024;
 
+/// The HTTP library closes without a word what is above its own limit, which is therefore never
+/// met.
+constexpr unsigned connectionsBeyondOurs = 16;
+
 std::string ClientAddress(MHD_Connection* connection) {
     const MHD_ConnectionInfo* info =
         MHD_get_connection_info(connection, MHD_CONNECTION_INFO_CLIENT_ADDRESS);
-    if (info == nullptr || info->client_addr == nullptr) {
-        return {};
-    }
-    const sockaddr* address = info->client_addr;
-    const socklen_t length =
-        address->sa_family == AF_INET6 ? sizeof(sockaddr_in6) : sizeof(sockaddr_in);
-    std::array<char, NI_MAXHOST> text{};
-    if (getnameinfo(address, length, text.data(), text.size(), nullptr, 0, NI_NUMERICHOST) != 0) {
-        return {};
-    }
-    return text.data();
+    return info == nullptr ? std::string() : AddressText(info->client_addr);
+}
+
+/// Never null while a request of the connection is read.
+ConnectionWatch::Connection* Watched(MHD_Connection* connection) {
+    return static_cast<ConnectionWatch::Connection*>(
+        MHD_get_connection_info(connection, MHD_CONNECTION_INFO_SOCKET_CONTEXT)->socket_context);
+}
+
+std::size_t HeaderSize(MHD_Connection* connection) {
+    const MHD_ConnectionInfo* info =
+        MHD_get_connection_info(connection, MHD_CONNECTION_INFO_REQUEST_HEADER_SIZE);
+    return info == nullptr ? 0 : info->header_size;
 }
 
 MHD_Result AddHeader(void* list, MHD_ValueKind /*kind*/, const char* name, const char* value) {
@@ -70,6 +75,9 @@ struct Server::Daemon {
     Daemon(const Daemon&) = delete;
     Daemon& operator=(const Daemon&) = delete;
 
+    static MHD_Result Accept(void* self, const sockaddr* address, socklen_t size);
+    static void Notice(void* self, MHD_Connection* connection, void** watched,
+                       MHD_ConnectionNotificationCode what);
     static void* Begin(void* self, const char* target, MHD_Connection* connection);
     static MHD_Result Receive(void* self, MHD_Connection* connection, const char* url,
                               const char* method, const char* version, const char* data,
@@ -77,6 +85,8 @@ struct Server::Daemon {
     static void End(void* self, MHD_Connection* connection, void** state,
                     MHD_RequestTerminationCode reason);
 
+    MHD_Result Refuse(MHD_Connection* connection, int status, const Exchange& exchange) const;
+    void TellOfLimit(Limit limit, const Exchange& exchange) const;
     MHD_Result TakeHead(MHD_Connection* connection, const char* method, const char* version,
                         Exchange& exchange) const;
     MHD_Result TakeBody(Exchange& exchange, const char* data, std::size_t& size) const;
@@ -85,6 +95,7 @@ struct Server::Daemon {
 
     Settings settings;
     const Handler handler;
+    std::shared_ptr<ConnectionWatch> watch;
     std::uint16_t port = 0;
     std::atomic<bool> isStopping = false;
     /// After StopAccepting the socket is ours again, to be closed behind the HTTP library.
@@ -95,7 +106,8 @@ struct Server::Daemon {
 };
 
 Server::Daemon::Daemon(const Settings& chosen, Handler chosenHandler)
-    : settings(chosen), handler(std::move(chosenHandler)) {
+    : settings(chosen), handler(std::move(chosenHandler)),
+      watch(settings.watch != nullptr ? settings.watch : WatchTogether(settings)) {
     if (settings.spoolDirectory.empty()) {
         settings.spoolDirectory = TemporaryDirectory();
     }
@@ -104,11 +116,12 @@ Server::Daemon::Daemon(const Settings& chosen, Handler chosenHandler)
     constexpr unsigned flags = MHD_USE_THREAD_PER_CONNECTION | MHD_USE_INTERNAL_POLLING_THREAD |
                                MHD_USE_POLL | MHD_USE_ITC;
     daemon = MHD_start_daemon(
-        flags, port, nullptr, nullptr, &Receive, this, MHD_OPTION_LISTEN_SOCKET,
-        socket.Descriptor(), MHD_OPTION_CONNECTION_MEMORY_LIMIT, connectionMemory,
-        MHD_OPTION_CONNECTION_LIMIT, settings.maxConnections, MHD_OPTION_CONNECTION_TIMEOUT,
-        settings.idleSeconds, MHD_OPTION_URI_LOG_CALLBACK, &Begin, this,
-        MHD_OPTION_NOTIFY_COMPLETED, &End, this, MHD_OPTION_END);
+        flags, port, &Accept, this, &Receive, this, MHD_OPTION_LISTEN_SOCKET, socket.Descriptor(),
+        MHD_OPTION_CONNECTION_MEMORY_LIMIT, connectionMemory, MHD_OPTION_CONNECTION_LIMIT,
+        settings.maxConnections + connectionsBeyondOurs, MHD_OPTION_CONNECTION_TIMEOUT,
+        settings.idleSeconds, MHD_OPTION_NOTIFY_CONNECTION, &Notice, this,
+        MHD_OPTION_URI_LOG_CALLBACK, &Begin, this, MHD_OPTION_NOTIFY_COMPLETED, &End, this,
+        MHD_OPTION_END);
     // The HTTP library closes the socket, some of its failures included.
     socket.Release();
     if (daemon == nullptr) {
@@ -133,7 +146,38 @@ void Server::Daemon::StopAccepting() {
     }
 }
 
-void* Server::Daemon::Begin(void* /*self*/, const char* target, MHD_Connection* /*connection*/) {
+MHD_Result Server::Daemon::Accept(void* self, const sockaddr* address, socklen_t /*size*/) {
+    try {
+        return static_cast<const Daemon*>(self)->watch->HasRoomFor(address) ? MHD_YES : MHD_NO;
+    } catch (const std::bad_alloc&) {
+        return MHD_NO;
+    }
+}
+
+void Server::Daemon::Notice(void* self, MHD_Connection* connection, void** watched,
+                            MHD_ConnectionNotificationCode what) {
+    ConnectionWatch& watch = *static_cast<const Daemon*>(self)->watch;
+    if (what == MHD_CONNECTION_NOTIFY_CLOSED) {
+        if (*watched != nullptr) {
+            watch.Closed(static_cast<ConnectionWatch::Connection*>(*watched));
+        }
+        return;
+    }
+    const auto* address = MHD_get_connection_info(connection, MHD_CONNECTION_INFO_CLIENT_ADDRESS);
+    const auto* socket = MHD_get_connection_info(connection, MHD_CONNECTION_INFO_CONNECTION_FD);
+    try {
+        *watched = watch.Opened(socket->connect_fd, address->client_addr, true);
+    } catch (const std::bad_alloc&) {
+        *watched = nullptr;
+    }
+}
+
+void* Server::Daemon::Begin(void* self, const char* target, MHD_Connection* connection) {
+    auto* watched = Watched(connection);
+    if (watched == nullptr) {
+        return nullptr;
+    }
+    static_cast<const Daemon*>(self)->watch->RequestBegins(*watched);
     try {
         return std::make_unique<Exchange>(target).release();
     } catch (const std::bad_alloc&) {
@@ -141,10 +185,20 @@ void* Server::Daemon::Begin(void* /*self*/, const char* target, MHD_Connection* 
     }
 }
 
-void Server::Daemon::End(void* /*self*/, MHD_Connection* /*connection*/, void** state,
-                         MHD_RequestTerminationCode /*reason*/) {
-    delete static_cast<Exchange*>(*state);
+void Server::Daemon::End(void* self, MHD_Connection* connection, void** state,
+                         MHD_RequestTerminationCode reason) {
+    const Daemon& daemon = *static_cast<const Daemon*>(self);
+    const std::unique_ptr<Exchange> exchange(static_cast<Exchange*>(*state));
     *state = nullptr;
+    const bool hasAnswer = reason == MHD_REQUEST_TERMINATED_COMPLETED_OK ||
+                           reason == MHD_REQUEST_TERMINATED_WITH_ERROR;
+    if (exchange != nullptr && !exchange->begun && hasAnswer &&
+        daemon.settings.observer != nullptr) {
+        daemon.settings.observer->Refused(0, ClientAddress(connection));
+    }
+    if (auto* watched = Watched(connection)) {
+        daemon.watch->RequestEnds(*watched);
+    }
 }
 
 MHD_Result Server::Daemon::Receive(void* self, MHD_Connection* connection, const char* /*url*/,
@@ -158,9 +212,6 @@ MHD_Result Server::Daemon::Receive(void* self, MHD_Connection* connection, const
     try {
         if (!exchange->begun) {
             exchange->begun = true;
-            if (daemon.isStopping) {
-                return SendBareStatus(connection, MHD_HTTP_SERVICE_UNAVAILABLE);
-            }
             return daemon.TakeHead(connection, method, version, *exchange);
         }
         if (*size != 0) {
@@ -172,16 +223,41 @@ MHD_Result Server::Daemon::Receive(void* self, MHD_Connection* connection, const
     }
 }
 
+void Server::Daemon::TellOfLimit(Limit limit, const Exchange& exchange) const {
+    if (settings.observer != nullptr) {
+        settings.observer->Reached(limit, exchange.request.clientAddress);
+    }
+}
+
+MHD_Result Server::Daemon::Refuse(MHD_Connection* connection, int status,
+                                  const Exchange& exchange) const {
+    if (!watch->RequestIsWhole(*Watched(connection))) {
+        return MHD_NO;
+    }
+    if (settings.observer != nullptr) {
+        settings.observer->Refused(status, exchange.request.clientAddress);
+    }
+    return SendBareStatus(connection, static_cast<unsigned>(status));
+}
+
 MHD_Result Server::Daemon::TakeHead(MHD_Connection* connection, const char* method,
                                     const char* version, Exchange& exchange) const {
     exchange.request.method = method;
     exchange.request.clientAddress = ClientAddress(connection);
+    if (isStopping) {
+        return Refuse(connection, MHD_HTTP_SERVICE_UNAVAILABLE, exchange);
+    }
+    if (HeaderSize(connection) > settings.maxHeaderBytes) {
+        TellOfLimit(Limit::headerBytes, exchange);
+        return Refuse(connection, MHD_HTTP_REQUEST_HEADER_FIELDS_TOO_LARGE, exchange);
+    }
     MHD_get_connection_values(connection, MHD_HEADER_KIND, &AddHeader, &exchange.request.headers);
     if (const auto fault = FramingFault(exchange.request, version)) {
-        return SendBareStatus(connection, static_cast<unsigned>(*fault));
+        return Refuse(connection, *fault, exchange);
     }
     if (AnnouncedLength(connection) > settings.maxBodyBytes) {
-        return SendBareStatus(connection, MHD_HTTP_CONTENT_TOO_LARGE);
+        TellOfLimit(Limit::bodyBytes, exchange);
+        return Refuse(connection, MHD_HTTP_CONTENT_TOO_LARGE, exchange);
     }
     return MHD_YES;
 }
@@ -192,7 +268,9 @@ MHD_Result Server::Daemon::TakeBody(Exchange& exchange, const char* data, std::s
         exchange.request.body.append(data, count);
         return MHD_YES;
     }
-    exchange.tooLarge = true;
+    if (!std::exchange(exchange.tooLarge, true)) {
+        TellOfLimit(Limit::bodyBytes, exchange);
+    }
     exchange.discarded += count;
     exchange.request.body = {};
     return exchange.discarded <= bytesReadInVain ? MHD_YES : MHD_NO;
@@ -202,13 +280,16 @@ MHD_Result Server::Daemon::AnswerRequest(MHD_Connection* connection, const char*
                                          Exchange& exchange) {
     exchange.running.emplace(inFlight);
     if (exchange.tooLarge) {
-        return SendBareStatus(connection, MHD_HTTP_CONTENT_TOO_LARGE);
+        return Refuse(connection, MHD_HTTP_CONTENT_TOO_LARGE, exchange);
+    }
+    if (!watch->RequestIsWhole(*Watched(connection))) {
+        return MHD_NO;
     }
     try {
         const bool canStream = TakesTrailers(exchange.request, version);
         return Send(connection, exchange.Make(handler, canStream, settings, workers));
     } catch (const std::system_error&) {
-        return SendBareStatus(connection, MHD_HTTP_SERVICE_UNAVAILABLE);
+        return Refuse(connection, MHD_HTTP_SERVICE_UNAVAILABLE, exchange);
     }
 }
 
@@ -217,6 +298,10 @@ Server::Server(const Settings& settings, Handler handler)
 }
 
 Server::~Server() = default;
+
+std::shared_ptr<ConnectionWatch> WatchTogether(const Settings& settings) {
+    return std::make_shared<ConnectionWatch>(settings);
+}
 
 std::uint16_t Server::Port() const {
     return daemon_->port;

@@ -8,6 +8,8 @@
 #include "OW_LogLevel.hpp"
 #include "OW_String.hpp"
 
+#include <atomic>
+
 namespace OpenWBEM {
 
 struct LogMessage;
@@ -19,8 +21,8 @@ struct LogMessage;
 // doClone. It is handled through LoggerRef and freed with the last reference.
 //
 // Threads: the log... members may be called from several threads at once when the derived class
-// allows it. The set... members may not run beside any other call on the same object; a part that
-// wants a level or component of its own takes a clone.
+// allows it, and so may getLogLevel and setLogLevel. setDefaultComponent may not run beside any
+// other call on the same object; a part that wants a level or component of its own takes a clone.
 class OW_COMMON_API Logger : public IntrusiveCountableBase {
 public:
     static const String STR_NONE_CATEGORY;
@@ -55,8 +57,8 @@ public:
     void setDefaultComponent(const String& component);
     String getDefaultComponent() const;
 
-    ELogLevel getLogLevel() const { return m_logLevel; }
-    void setLogLevel(ELogLevel level) { m_logLevel = level; }
+    ELogLevel getLogLevel() const { return m_logLevel.load(std::memory_order_relaxed); }
+    void setLogLevel(ELogLevel level) { m_logLevel.store(level, std::memory_order_relaxed); }
     // "INFO", "DEBUG", "ERROR", "ALL" or "NONE" in any case; every other text means fatal only.
     void setLogLevel(const String& level);
 
@@ -80,7 +82,7 @@ protected:
 
 private:
     String m_defaultComponent;
-    ELogLevel m_logLevel;
+    std::atomic<ELogLevel> m_logLevel;
 };
 
 } // namespace OpenWBEM

@@ -24,34 +24,44 @@ Logger::Logger(const String& defaultComponent, const ELogLevel level)
     : m_defaultComponent(defaultComponent), m_logLevel(level) {
 }
 
-Logger::Logger(const Logger&) = default;
-Logger& Logger::operator=(const Logger&) = default;
+Logger::Logger(const Logger& other)
+    : IntrusiveCountableBase(other), m_defaultComponent(other.m_defaultComponent),
+      m_logLevel(other.getLogLevel()) {
+}
+
+Logger& Logger::operator=(const Logger& other) {
+    IntrusiveCountableBase::operator=(other);
+    m_defaultComponent = other.m_defaultComponent;
+    setLogLevel(other.getLogLevel());
+    return *this;
+}
+
 Logger::~Logger() = default;
 
 void Logger::logFatalError(const String& message, const char* filename, int fileline,
                            const char* methodname) const {
-    if (m_logLevel >= E_FATAL_ERROR_LEVEL) {
+    if (getLogLevel() >= E_FATAL_ERROR_LEVEL) {
         logMessage(STR_FATAL_CATEGORY, message, filename, fileline, methodname);
     }
 }
 
 void Logger::logError(const String& message, const char* filename, int fileline,
                       const char* methodname) const {
-    if (m_logLevel >= E_ERROR_LEVEL) {
+    if (getLogLevel() >= E_ERROR_LEVEL) {
         logMessage(STR_ERROR_CATEGORY, message, filename, fileline, methodname);
     }
 }
 
 void Logger::logInfo(const String& message, const char* filename, int fileline,
                      const char* methodname) const {
-    if (m_logLevel >= E_INFO_LEVEL) {
+    if (getLogLevel() >= E_INFO_LEVEL) {
         logMessage(STR_INFO_CATEGORY, message, filename, fileline, methodname);
     }
 }
 
 void Logger::logDebug(const String& message, const char* filename, int fileline,
                       const char* methodname) const {
-    if (m_logLevel >= E_DEBUG_LEVEL) {
+    if (getLogLevel() >= E_DEBUG_LEVEL) {
         logMessage(STR_DEBUG_CATEGORY, message, filename, fileline, methodname);
     }
 }

@@ -12,6 +12,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <unistd.h>
@@ -178,6 +179,83 @@ TEST_F(Program, ProviderReadsItemsAndItsLinesGoToTheLog) {
     EXPECT_EQ(server.Wait(), 0);
     EXPECT_THAT(server.Error(), HasSubstr(" ERROR test.provider: any words\n"));
     EXPECT_THAT(server.Error(), Not(HasSubstr("not at the default level")));
+}
+
+TEST_F(Program, EachRequestHasALineWithoutAnythingSecret) {
+    Running server(Serving());
+    const auto port = server.WaitForPort();
+    Names(port);
+    const std::string key = "<INSTANCENAME CLASSNAME=\"HT_Program\"><KEYBINDING NAME=\"Id\">"
+                            "<KEYVALUE>topsecret</KEYVALUE></KEYBINDING></INSTANCENAME>";
+    test_support::CimClient client(port);
+    client.Post(test_support::IntrinsicCall("GetInstance", "<IPARAMVALUE NAME=\"InstanceName\">" +
+                                                               key + "</IPARAMVALUE>"));
+    client.Post(test_support::ExtrinsicCall("Top\nsecret", key, ""));
+    client.Request("GET", {}, "");
+    test_support::CimClient(port).Request("POST", {{"X-Big", std::string(9000, 'x')}}, "");
+    server.Signal(SIGTERM);
+    EXPECT_EQ(server.Wait(), 0);
+    const std::string time = "[0-9.]+ ms\n";
+    const std::string& log = server.Error();
+    EXPECT_THAT(log,
+                ContainsRegex(" REQUEST 127.0.0.1 - EnumerateInstanceNames HT_Program ok " + time));
+    EXPECT_THAT(
+        log, ContainsRegex(" REQUEST 127.0.0.1 - GetInstance HT_Program CIM_ERR_[A-Z_]+ " + time));
+    EXPECT_THAT(log, ContainsRegex(" REQUEST 127.0.0.1 - - - status-405 " + time));
+    EXPECT_THAT(log, ContainsRegex(" REQUEST 127.0.0.1 - - - status-431 " + time));
+    EXPECT_THAT(log, HasSubstr("Limit reached: cimserver.max_header_bytes, client 127.0.0.1\n"));
+    EXPECT_THAT(log, Not(HasSubstr("topsecret")));
+}
+
+TEST_F(Program, LinesOfRequestsCanBeSwitchedOff) {
+    Running server(Serving({"--config", ConfigFile("cimserver.request_log = false\n")}));
+    Names(server.WaitForPort());
+    server.Signal(SIGTERM);
+    EXPECT_EQ(server.Wait(), 0);
+    EXPECT_THAT(server.Error(), Not(HasSubstr("REQUEST")));
+}
+
+TEST_F(Program, LimitsOfTheConfigurationCount) {
+    Running server(Serving({"--config", ConfigFile("cimserver.max_body_bytes = 2000\n"
+                                                   "cimserver.max_header_bytes = 1000\n"
+                                                   "cimserver.max_xml_depth = 16\n"
+                                                   "cimserver.max_connections_per_address = 3\n"
+                                                   "cimserver.request_seconds = 1\n")}));
+    const auto port = server.WaitForPort();
+    std::string nested;
+    for (int i = 0; i < 17; ++i) {
+        nested += "<a>";
+    }
+    EXPECT_EQ(test_support::CimClient(port).Post(nested).status, 400);
+    EXPECT_EQ(test_support::CimClient(port).Post(std::string(2001, 'x')).status, 413);
+    test_support::CimClient head(port);
+    EXPECT_EQ(head.Request("POST", {{"X-Big", std::string(1000, 'x')}}, "").status, 431);
+    test_support::CimClient silent(port);
+    EXPECT_EQ(silent.Receive().status, 408);
+    for (const char* item : {"cimserver.max_body_bytes", "cimserver.max_header_bytes",
+                             "cimserver.max_xml_depth", "cimserver.request_seconds"}) {
+        EXPECT_THAT(server.WaitForText(std::string("Limit reached: ") + item),
+                    HasSubstr(", client 127.0.0.1"));
+    }
+}
+
+TEST_F(Program, LogCanBeAFile) {
+    const auto file = directory / "cimserver.log";
+    Running server(Serving({"--config", ConfigFile("log.main.type = file\nlog.main.location = " +
+                                                   file.string() + "\n")}));
+    Names(server.WaitForPort());
+    server.Signal(SIGTERM);
+    EXPECT_EQ(server.Wait(), 0);
+    EXPECT_THAT(server.Error(), Not(HasSubstr("REQUEST")));
+    std::stringstream text;
+    text << std::ifstream(file).rdbuf();
+    EXPECT_THAT(text.str(), HasSubstr(" REQUEST 127.0.0.1 - EnumerateInstanceNames HT_Program ok"));
+}
+
+TEST_F(Program, LogThatCannotBeWrittenIsAStartError) {
+    EXPECT_THAT(StartError(Serving({"--config", ConfigFile("log.main.type = file\n"
+                                                           "log.main.location = /absent/x\n")})),
+                HasSubstr("Cannot write the log /absent/x: No such file or directory"));
 }
 
 TEST_F(Program, WhatAProviderPrintsGoesToTheLogAtOnce) {

@@ -44,6 +44,53 @@ TEST(Settings, Defaults) {
     EXPECT_EQ(settings.logLevel, OpenWBEM::E_ERROR_LEVEL);
     EXPECT_THAT(settings.mofFiles, ElementsAre(mofFile));
     EXPECT_EQ(settings.nameSpace, "root/cimv2");
+    EXPECT_THAT(settings.libraryItems, testing::IsEmpty());
+    EXPECT_EQ(settings.limits.connections, 200U);
+    EXPECT_EQ(settings.limits.connectionsPerAddress, 100U);
+    EXPECT_EQ(settings.limits.idleSeconds, 300U);
+    EXPECT_EQ(settings.limits.requestSeconds, 30U);
+    EXPECT_EQ(settings.limits.headerBytes, 8192U);
+    EXPECT_EQ(settings.limits.bodyBytes, 1048576U);
+    EXPECT_EQ(settings.limits.xmlDepth, 64U);
+    EXPECT_EQ(settings.limits.xmlAttributes, 32U);
+    EXPECT_EQ(settings.limits.xmlElements, 20000U);
+    EXPECT_EQ(settings.limits.keyBindings, 32U);
+    EXPECT_EQ(settings.LogFile(), "");
+    EXPECT_TRUE(settings.requestLog);
+}
+
+TEST(Settings, EveryLimitIsTheOneOfItsItem) {
+    const auto limits = Read("http_server.max_connections = 101\n"
+                             "cimserver.max_connections_per_address = 102\n"
+                             "http_server.timeout = 103\n"
+                             "cimserver.request_seconds = 104\n"
+                             "cimserver.max_header_bytes = 1005\n"
+                             "cimserver.max_body_bytes = 1106\n"
+                             "cimserver.max_xml_depth = 107\n"
+                             "cimserver.max_xml_attributes = 108\n"
+                             "cimserver.max_xml_elements = 109\n"
+                             "cimserver.max_key_bindings = 110\n")
+                            .limits;
+    EXPECT_EQ(limits.connections, 101U);
+    EXPECT_EQ(limits.connectionsPerAddress, 102U);
+    EXPECT_EQ(limits.idleSeconds, 103U);
+    EXPECT_EQ(limits.requestSeconds, 104U);
+    EXPECT_EQ(limits.headerBytes, 1005U);
+    EXPECT_EQ(limits.bodyBytes, 1106U);
+    EXPECT_EQ(limits.xmlDepth, 107U);
+    EXPECT_EQ(limits.xmlAttributes, 108U);
+    EXPECT_EQ(limits.xmlElements, 109U);
+    EXPECT_EQ(limits.keyBindings, 110U);
+}
+
+TEST(Settings, LogGoesToTheFileThatIsNamed) {
+    const auto settings = Read("log.main.type = File\nlog.main.location = /var/log/x.log\n"
+                               "cimserver.request_log = FALSE\n");
+    EXPECT_EQ(settings.LogFile(), "/var/log/x.log");
+    EXPECT_FALSE(settings.requestLog);
+    EXPECT_EQ(Read("log.main.location = /var/log/x.log\n").LogFile(), "");
+    EXPECT_EQ(Error("log.main.type = file"),
+              "my.conf:2: log.main.type = file: name the file with the item log.main.location");
 }
 
 TEST(Settings, EveryItemCounts) {
@@ -158,6 +205,13 @@ INSTANTIATE_TEST_SUITE_P(
             "`localhost` is no numeric IPv4 or IPv6 address"},
         Row{"cppprovifc.prov_location = /tmp:/absent/dir", "there is no directory /absent/dir"},
         Row{"cppprovifc.prov_TTL = soon", idleRange}, Row{"cppprovifc.prov_TTL = -2", idleRange},
+        Row{"http_server.max_connections = 0", "expected a whole number from 1 to 10000"},
+        Row{"cimserver.max_header_bytes = 32769", "expected a whole number from 256 to 32768"},
+        Row{"cimserver.max_body_bytes = 1M", "expected a whole number from 1024 to 1073741824"},
+        Row{"cimserver.request_seconds = 99999999999999999999",
+            "expected a whole number from 1 to 86400"},
+        Row{"cimserver.request_log = yes", "expected true or false"},
+        Row{"log.main.type = syslog", "expected stderr or file"},
         Row{"log.main.level = loud", "expected fatal, error, info or debug"},
         Row{"cimserver.namespace = //", "expected a name such as root/cimv2"}));
 

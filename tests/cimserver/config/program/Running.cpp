@@ -77,20 +77,29 @@ bool Running::ReadMore() {
     return Append(errorEnd_, error_);
 }
 
-std::string Running::WaitForLine(const std::string& beginning) {
+std::string Running::WaitFor(const std::string& text, bool atBegin) {
     while (true) {
         std::size_t begin = 0;
         for (auto end = error_.find('\n'); end != std::string::npos;
              begin = end + 1, end = error_.find('\n', begin)) {
             const auto line = error_.substr(begin, end - begin);
-            if (line.rfind(beginning, 0) == 0) {
+            const auto at = line.find(text);
+            if (at == 0 || (at != std::string::npos && !atBegin)) {
                 return line;
             }
         }
         if (!ReadMore()) {
-            throw std::runtime_error("`" + beginning + "` never came: " + error_);
+            throw std::runtime_error("`" + text + "` never came: " + error_);
         }
     }
+}
+
+std::string Running::WaitForLine(const std::string& beginning) {
+    return WaitFor(beginning, true);
+}
+
+std::string Running::WaitForText(const std::string& text) {
+    return WaitFor(text, false);
 }
 
 std::uint16_t Running::WaitForPort() {

@@ -23,6 +23,8 @@ public:
     /// std::runtime_error, with what has been written, when the server closes it before or nothing
     /// comes for 30 seconds.
     std::string WaitForLine(const std::string& beginning);
+    /// The same for a line that has the text anywhere.
+    std::string WaitForText(const std::string& text);
     /// The port of the readiness line.
     std::uint16_t WaitForPort();
     void Signal(int signal) const;
@@ -34,6 +36,7 @@ public:
     const std::string& Error() const { return error_; }
 
 private:
+    std::string WaitFor(const std::string& text, bool atBegin);
     bool ReadMore();
 
     pid_t process_ = -1;

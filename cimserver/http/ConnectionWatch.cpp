@@ -1,0 +1,179 @@
+#include "cimserver/http/ConnectionWatch.hpp"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+#include <vector>
+
+#include <linux/tcp.h>
+#include <netdb.h>
+#include <netinet/in.h>
+
+namespace cimserver::http {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+/// Acknowledged and in order, whether read or not; 0 when it is no TCP connection.
+std::uint64_t BytesReceived(int socket) {
+    tcp_info info{};
+    socklen_t size = sizeof info;
+    return getsockopt(socket, IPPROTO_TCP, TCP_INFO, &info, &size) == 0 ? info.tcpi_bytes_received
+                                                                        : 0;
+}
+
+void EndWithTimeout(int socket, bool isPlain) {
+    constexpr std::string_view answer = "HTTP/1.1 408 Request Timeout\r\n"
+                                        "Content-Length: 0\r\nConnection: close\r\n\r\n";
+    if (isPlain) {
+        send(socket, answer.data(), answer.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
+    }
+    // The HTTP library meets the end of the request and closes.
+    shutdown(socket, SHUT_RD);
+}
+
+} // namespace
+
+std::string AddressText(const sockaddr* address) {
+    if (address == nullptr || (address->sa_family != AF_INET && address->sa_family != AF_INET6)) {
+        return {};
+    }
+    const socklen_t length =
+        address->sa_family == AF_INET6 ? sizeof(sockaddr_in6) : sizeof(sockaddr_in);
+    std::array<char, NI_MAXHOST> text{};
+    if (getnameinfo(address, length, text.data(), text.size(), nullptr, 0, NI_NUMERICHOST) != 0) {
+        return {};
+    }
+    return text.data();
+}
+
+ConnectionWatch::ConnectionWatch(const Settings& settings)
+    : maxConnections_(settings.maxConnections),
+      maxConnectionsPerAddress_(settings.maxConnectionsPerAddress),
+      requestTime_(settings.requestSeconds), observer_(settings.observer),
+      thread_([this] { Run(); }) {
+}
+
+ConnectionWatch::~ConnectionWatch() {
+    {
+        const std::lock_guard lock(mutex_);
+        stops_ = true;
+    }
+    changed_.notify_one();
+    thread_.join();
+}
+
+bool ConnectionWatch::HasRoomFor(const sockaddr* address) {
+    const std::string text = AddressText(address);
+    Limit limit = Limit::connections;
+    {
+        const std::lock_guard lock(mutex_);
+        const auto found = perAddress_.find(text);
+        const unsigned count = found == perAddress_.end() ? 0 : found->second;
+        if (connections_.size() < maxConnections_) {
+            if (count < maxConnectionsPerAddress_) {
+                return true;
+            }
+            limit = Limit::connectionsOfAddress;
+        }
+    }
+    if (observer_ != nullptr) {
+        observer_->Reached(limit, text);
+    }
+    return false;
+}
+
+ConnectionWatch::Connection* ConnectionWatch::Opened(int socket, const sockaddr* address,
+                                                     bool isPlain) {
+    Connection* connection = nullptr;
+    {
+        const std::lock_guard lock(mutex_);
+        connection = &connections_.emplace_back();
+        connection->self = std::prev(connections_.end());
+        connection->socket = socket;
+        connection->isPlain = isPlain;
+        connection->address = AddressText(address);
+        connection->since = Clock::now();
+        ++perAddress_[connection->address];
+    }
+    changed_.notify_one();
+    return connection;
+}
+
+void ConnectionWatch::Closed(Connection* connection) {
+    const std::lock_guard lock(mutex_);
+    const auto count = perAddress_.find(connection->address);
+    if (--count->second == 0) {
+        perAddress_.erase(count);
+    }
+    connections_.erase(connection->self);
+}
+
+void ConnectionWatch::RequestBegins(Connection& connection) {
+    const std::lock_guard lock(mutex_);
+    if (connection.phase == Connection::Phase::idle) {
+        connection.phase = Connection::Phase::arriving;
+        connection.since = Clock::now();
+    }
+}
+
+bool ConnectionWatch::RequestIsWhole(Connection& connection) {
+    const std::lock_guard lock(mutex_);
+    if (connection.phase == Connection::Phase::expired) {
+        return false;
+    }
+    connection.phase = Connection::Phase::answering;
+    return true;
+}
+
+void ConnectionWatch::RequestEnds(Connection& connection) {
+    const std::lock_guard lock(mutex_);
+    if (connection.phase == Connection::Phase::answering) {
+        connection.phase = Connection::Phase::idle;
+        connection.bytes = BytesReceived(connection.socket);
+    }
+}
+
+bool ConnectionWatch::IsOverdue(Connection& connection, Clock::time_point now) const {
+    if (connection.phase == Connection::Phase::idle &&
+        BytesReceived(connection.socket) > connection.bytes) {
+        connection.phase = Connection::Phase::arriving;
+        connection.since = now;
+    }
+    return connection.phase == Connection::Phase::arriving && now - connection.since > requestTime_;
+}
+
+void ConnectionWatch::ExpireOverdue(std::unique_lock<std::mutex>& lock) {
+    const auto now = Clock::now();
+    std::vector<std::string> addresses;
+    for (Connection& connection : connections_) {
+        if (IsOverdue(connection, now)) {
+            connection.phase = Connection::Phase::expired;
+            EndWithTimeout(connection.socket, connection.isPlain);
+            addresses.push_back(connection.address);
+        }
+    }
+    lock.unlock();
+    for (const std::string& address : addresses) {
+        if (observer_ != nullptr) {
+            observer_->Reached(Limit::requestTime, address);
+        }
+    }
+    lock.lock();
+}
+
+void ConnectionWatch::Run() {
+    const auto pause = std::clamp<std::chrono::milliseconds>(
+        std::chrono::milliseconds(requestTime_) / 8, 20ms, 1000ms);
+    std::unique_lock lock(mutex_);
+    while (!stops_) {
+        if (connections_.empty()) {
+            changed_.wait(lock, [this] { return stops_ || !connections_.empty(); });
+        } else if (!changed_.wait_for(lock, pause, [this] { return stops_; })) {
+            ExpireOverdue(lock);
+        }
+    }
+}
+
+} // namespace cimserver::http

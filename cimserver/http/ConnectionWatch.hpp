@@ -1,0 +1,81 @@
+// Counts the connections of all listeners, and ends those whose request does not arrive in time:
+// the HTTP library knows only how long nothing came at all, so that a client with a byte now and
+// then could hold a connection for ever.
+#pragma once
+
+#include "cimserver/http/Http.hpp"
+
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <list>
+#include <map>
+#include <mutex>
+#include <string>
+#include <thread>
+
+#include <sys/socket.h>
+
+namespace cimserver::http {
+
+/// A numeric address; empty for a socket that has none.
+std::string AddressText(const sockaddr* address);
+
+/// Any thread may call any function. A connection is reported by Opened, then for each of its
+/// requests by RequestBegins, RequestIsWhole and RequestEnds, at last by Closed.
+class ConnectionWatch {
+public:
+    using Clock = std::chrono::steady_clock;
+
+    struct Connection {
+        enum class Phase { idle, arriving, answering, expired };
+
+        int socket = -1;
+        bool isPlain = true; ///< a status may be written to the socket as it is
+        std::string address;
+        Phase phase = Phase::arriving;
+        Clock::time_point since; ///< of a request that arrives
+        std::uint64_t bytes = 0; ///< received before the connection became idle
+        std::list<Connection>::iterator self;
+    };
+
+    /// Takes the limits from the settings of a listener; the observer must outlive this.
+    explicit ConnectionWatch(const Settings& settings);
+    ~ConnectionWatch();
+    ConnectionWatch(const ConnectionWatch&) = delete;
+    ConnectionWatch& operator=(const ConnectionWatch&) = delete;
+
+    /// False, and the observer is told, when a limit is reached.
+    bool HasRoomFor(const sockaddr* address);
+    /// The result is good until Closed, and so must be the socket.
+    Connection* Opened(int socket, const sockaddr* address, bool isPlain);
+    void Closed(Connection* connection);
+
+    /// The first line is there. Without such a call a request begins with its first bytes, the
+    /// first one of a connection with the connection.
+    void RequestBegins(Connection& connection);
+    /// The request is there, or an answer is being sent without the rest. False when its time was
+    /// over before: then it gets no answer any more.
+    bool RequestIsWhole(Connection& connection);
+    /// The answer is sent.
+    void RequestEnds(Connection& connection);
+
+private:
+    void Run();
+    void ExpireOverdue(std::unique_lock<std::mutex>& lock);
+    bool IsOverdue(Connection& connection, Clock::time_point now) const;
+
+    const unsigned maxConnections_;
+    const unsigned maxConnectionsPerAddress_;
+    const std::chrono::seconds requestTime_;
+    Observer* const observer_;
+
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    std::list<Connection> connections_;
+    std::map<std::string, unsigned> perAddress_;
+    bool stops_ = false;
+    std::thread thread_;
+};
+
+} // namespace cimserver::http
