@@ -1,5 +1,7 @@
 #include "cimserver/Server.hpp"
 
+#include "OW_CIMException.hpp"
+
 #include <algorithm>
 #include <climits>
 #include <string_view>

@@ -1,10 +1,10 @@
 // Clients that take their time, say nothing, or are gone in the middle.
 #include "Attack.hpp"
 
-#include "support/ComesTrue.hpp"
-
+#include <chrono>
 #include <memory>
 #include <stdexcept>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -12,7 +12,6 @@ namespace {
 using hostile::LargeQuestion;
 using hostile::Posted;
 using hostile::SmallQuestion;
-using hostile::StatusAfter;
 using test_support::CimClient;
 
 using Connections = std::vector<std::unique_ptr<CimClient>>;
