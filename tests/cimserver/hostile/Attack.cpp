@@ -90,7 +90,9 @@ Attack::~Attack() {
 }
 
 void Attack::Calm() {
-    EXPECT_TRUE(test_support::ComesTrue([this] { return server_.Threads() <= threads_; }))
+    // The good client's next question can come before the thread that answered the last is ready
+    // for it; then there are two.
+    EXPECT_TRUE(test_support::ComesTrue([this] { return server_.Threads() <= threads_ + 1; }))
         << server_.Threads() << " threads in place of " << threads_;
     EXPECT_TRUE(test_support::ComesTrue([this] {
         return server_.OpenDescriptors() <= descriptors_;
@@ -103,7 +105,6 @@ void Attack::Suffer(const std::function<void()>& attack) {
     attack();
     const unsigned during = good_.Answers() - before;
     EXPECT_GT(during, 0U);
-    Calm();
     const double memory = server_.ResidentMegabytes();
     attack();
     Calm();
