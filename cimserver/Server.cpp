@@ -135,8 +135,9 @@ Server::Server(const Settings& settings, const Configuration& configuration, Log
     operations_ = std::make_unique<operations::Operations>(
         schema_, *host_, OpenWBEM::String(settings.nameSpace.c_str()), HostName());
     http::Settings listener = ListenerSettings(settings, *this);
-    for (const auto& address : addresses_) {
-        listener.address = address;
+    for (std::size_t i = 0; i < addresses_.size(); ++i) {
+        listener.address = addresses_[i];
+        listener.descriptor = settings.sockets.empty() ? -1 : settings.sockets.at(i);
         listeners_.push_back(std::make_unique<http::Server>(
             listener, [this](const http::Request& request, http::Answer& answer) {
                 AnswerRequest(request, answer);

@@ -59,6 +59,9 @@ struct Limits {
 struct Settings {
     std::vector<std::string> addresses; ///< numeric IPv4 or IPv6, loopback all of them
     std::uint16_t port = 0;             ///< 0: any free port
+    /// Those that listen on the addresses already, in the same order; none: the server opens its
+    /// own. No item says so.
+    std::vector<int> sockets;
     std::vector<std::filesystem::path> providerDirectories;
     std::chrono::minutes providerIdle{}; ///< negative: providers stay
     std::chrono::seconds callTime{};     ///< until a client is told that its call is late; 0: never

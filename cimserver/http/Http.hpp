@@ -95,7 +95,10 @@ class ConnectionWatch;
 struct Settings {
     std::string address = "127.0.0.1"; ///< IPv4 or IPv6 in numeric form
     std::uint16_t port = 5988;         ///< 0: any free port
-    unsigned maxConnections = 200;     ///< a connection above that is closed at once
+    /// A TCP socket that listens already, instead of address and port; it is the server's from then
+    /// on. -1: none.
+    int descriptor = -1;
+    unsigned maxConnections = 200; ///< a connection above that is closed at once
     unsigned maxConnectionsPerAddress = 100;
     std::size_t maxHeaderBytes = std::size_t{8} * 1024; ///< with the first line; at most 32 KiB
     std::size_t maxBodyBytes = std::size_t{1024} * 1024;

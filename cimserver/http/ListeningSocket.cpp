@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <system_error>
 
+#include <fcntl.h>
 #include <netdb.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
@@ -67,6 +68,14 @@ ListeningSocket::ListeningSocket(const std::string& address, std::uint16_t port)
     descriptor_ = Open(*found.first);
     if (descriptor_ < 0) {
         Fail(address, port, TextOf(errno));
+    }
+}
+
+ListeningSocket::ListeningSocket(int descriptor) : descriptor_(descriptor) {
+    const int flags = fcntl(descriptor, F_GETFL);
+    if (flags < 0 || fcntl(descriptor, F_SETFL, flags | O_NONBLOCK) != 0) {
+        throw ListenError("Cannot listen on socket " + std::to_string(descriptor) + ": " +
+                          TextOf(errno));
     }
 }
 

@@ -11,6 +11,8 @@ class ListeningSocket {
 public:
     /// Binds and listens; throws ListenError.
     ListeningSocket(const std::string& address, std::uint16_t port);
+    /// Takes over one that listens already; throws ListenError.
+    explicit ListeningSocket(int descriptor);
     ~ListeningSocket();
     ListeningSocket(const ListeningSocket&) = delete;
     ListeningSocket& operator=(const ListeningSocket&) = delete;

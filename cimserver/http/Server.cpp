@@ -111,7 +111,9 @@ Server::Daemon::Daemon(const Settings& chosen, Handler chosenHandler)
     if (settings.spoolDirectory.empty()) {
         settings.spoolDirectory = TemporaryDirectory();
     }
-    ListeningSocket socket(settings.address, settings.port);
+    ListeningSocket socket = settings.descriptor >= 0
+                                 ? ListeningSocket(settings.descriptor)
+                                 : ListeningSocket(settings.address, settings.port);
     port = socket.Port();
     constexpr unsigned flags = MHD_USE_THREAD_PER_CONNECTION | MHD_USE_INTERNAL_POLLING_THREAD |
                                MHD_USE_POLL | MHD_USE_ITC;
@@ -141,8 +143,11 @@ void Server::Daemon::StopAccepting() {
     isStopping = true;
     if (listening < 0) {
         listening = MHD_quiesce_daemon(daemon);
-        // Whoever connects now is refused rather than left waiting.
-        shutdown(listening, SHUT_RDWR);
+        // Whoever connects now is refused; at a socket that was handed to us the next server
+        // answers.
+        if (settings.descriptor < 0) {
+            shutdown(listening, SHUT_RDWR);
+        }
     }
 }
 

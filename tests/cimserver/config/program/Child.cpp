@@ -1,4 +1,5 @@
-// Prints what it inherited: a line per open descriptor, the blocked and the ignored signals.
+// Prints what it inherited: a line per open descriptor and per variable, the blocked and the
+// ignored signals.
 #include <cstdio>
 #include <cstring>
 #include <dirent.h>
@@ -20,6 +21,9 @@ int main() {
         std::printf("descriptor %s %s\n", name.c_str(), size < 0 ? "?" : target);
     }
     closedir(directory);
+    for (char** variable = environ; *variable != nullptr; ++variable) {
+        std::printf("variable %s\n", *variable);
+    }
     std::FILE* status = std::fopen("/proc/self/status", "re");
     char line[256];
     while (status != nullptr && std::fgets(line, sizeof line, status) != nullptr) {

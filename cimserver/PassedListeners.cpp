@@ -1,0 +1,81 @@
+#include "cimserver/PassedListeners.hpp"
+
+#include "cimserver/Settings.hpp"
+
+#include <array>
+#include <cstddef>
+#include <string>
+
+#include <netdb.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+
+namespace cimserver {
+
+namespace {
+
+constexpr const char* origin = "LISTEN_FDS";
+
+[[noreturn]] void Refuse(const PassedSocket& socket, const std::string& why) {
+    throw ConfigurationError(std::string(origin) + ": socket " + std::to_string(socket.descriptor) +
+                             " (" + socket.name + ") " + why);
+}
+
+bool HasNoName(const PassedSocket& socket) {
+    return socket.name.empty() || socket.name == "unknown";
+}
+
+bool IsPlain(const PassedSocket& socket, std::size_t count) {
+    return socket.name == "http" || (count == 1 && HasNoName(socket));
+}
+
+int Option(int descriptor, int option) {
+    int value = 0;
+    socklen_t size = sizeof value;
+    return getsockopt(descriptor, SOL_SOCKET, option, &value, &size) == 0 ? value : -1;
+}
+
+std::string AddressOf(const PassedSocket& socket) {
+    sockaddr_storage bound{};
+    socklen_t size = sizeof bound;
+    auto* address = reinterpret_cast<sockaddr*>(&bound);
+    const bool isTcp = getsockname(socket.descriptor, address, &size) == 0 &&
+                       (bound.ss_family == AF_INET || bound.ss_family == AF_INET6) &&
+                       Option(socket.descriptor, SO_TYPE) == SOCK_STREAM;
+    if (!isTcp || Option(socket.descriptor, SO_ACCEPTCONN) != 1) {
+        Refuse(socket, "is no TCP socket that listens");
+    }
+    std::array<char, NI_MAXHOST> text{};
+    if (getnameinfo(address, size, text.data(), text.size(), nullptr, 0, NI_NUMERICHOST) != 0) {
+        Refuse(socket, "has no address");
+    }
+    return text.data();
+}
+
+} // namespace
+
+void OverrideAddresses(const std::vector<PassedSocket>& sockets, Configuration& configuration) {
+    std::string addresses;
+    for (const PassedSocket& socket : sockets) {
+        if (!IsPlain(socket, sockets.size())) {
+            Refuse(socket, "has a name that says nothing to this server; expected http");
+        }
+        addresses += (addresses.empty() ? "" : " ") + AddressOf(socket);
+    }
+    if (!sockets.empty()) {
+        configuration.Override(items::addresses, addresses, origin);
+        configuration.Override(items::port, "0", origin);
+    }
+}
+
+std::vector<int> PlainSockets(const std::vector<PassedSocket>& sockets) {
+    std::vector<int> descriptors;
+    for (const PassedSocket& socket : sockets) {
+        if (IsPlain(socket, sockets.size())) {
+            descriptors.push_back(socket.descriptor);
+        }
+    }
+    return descriptors;
+}
+
+} // namespace cimserver
