@@ -33,6 +33,20 @@ void ReadIdleMinutes(const ItemValue& value, Settings& settings) {
     settings.providerIdle = std::chrono::minutes(value.Number(-1, 1'000'000));
 }
 
+constexpr std::int64_t mostSeconds = 1'000'000;
+
+void ReadCallSeconds(const ItemValue& value, Settings& settings) {
+    settings.callTime = std::chrono::seconds(value.Number(0, mostSeconds));
+}
+
+void ReadBusySeconds(const ItemValue& value, Settings& settings) {
+    settings.busyTime = std::chrono::seconds(value.Number(0, mostSeconds));
+}
+
+void ReadStopSeconds(const ItemValue& value, Settings& settings) {
+    settings.stopTime = std::chrono::seconds(value.Number(0, mostSeconds));
+}
+
 void ReadLogLevel(const ItemValue& value, Settings& settings) {
     constexpr std::array levels{OpenWBEM::E_FATAL_ERROR_LEVEL, OpenWBEM::E_ERROR_LEVEL,
                                 OpenWBEM::E_INFO_LEVEL, OpenWBEM::E_DEBUG_LEVEL};
@@ -124,6 +138,13 @@ constexpr ItemRow rows[] = {
      &ReadProviderDirectories},
     {items::idleMinutes, "5", "minutes", "until an idle library is closed; -1: never",
      Effect::atRestart, &ReadIdleMinutes},
+    {items::callSeconds, "300", "seconds",
+     "a call runs in a library before its client is told that it is late; 0: any time",
+     Effect::atRestart, &ReadCallSeconds},
+    {items::busySeconds, "60", "seconds", "a call waits for a library that is busy; 0: any time",
+     Effect::atRestart, &ReadBusySeconds},
+    {items::stopSeconds, "20", "seconds", "running calls have to end when the server stops",
+     Effect::atRestart, &ReadStopSeconds},
     {items::mofFiles, "", "",
      "files that declare qualifiers and classes, in order, separated by : or ;", Effect::atRestart,
      &ReadMofFiles},

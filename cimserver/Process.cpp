@@ -33,7 +33,13 @@ void MarkOthersCloseOnExec() {
 std::atomic<int> stopWriteEnd{-1};
 static_assert(std::atomic<int>::is_always_lock_free, "used by a signal handler");
 
+std::atomic<bool> isStopNoted{false};
+static_assert(std::atomic<bool>::is_always_lock_free, "used by a signal handler");
+
 void NoteStop(int /*signal*/) {
+    if (isStopNoted.exchange(true)) {
+        _exit(0);
+    }
     const int before = errno;
     const char byte = 0;
     // When the pipe is full a stop is noted already.

@@ -17,9 +17,10 @@ namespace cimserver {
 /// marked close-on-exec. Call it before the first thread starts. Throws std::system_error.
 void SettleDescriptors();
 
-/// Waits for the signal to stop. Make one before the first thread starts, and only one: it unblocks
-/// all signals, takes SIGTERM and SIGINT, survives SIGPIPE and SIGXFSZ, and puts SIGCHLD and
-/// SIGQUIT back to the default, whatever the parent had set.
+/// Waits for the signal to stop; a second one ends the process at once with exit code 0. Make one
+/// before the first thread starts, and only one: it unblocks all signals, takes SIGTERM and SIGINT,
+/// survives SIGPIPE and SIGXFSZ, and puts SIGCHLD and SIGQUIT back to the default, whatever the
+/// parent had set.
 class StopSignal {
 public:
     /// Throws std::system_error.

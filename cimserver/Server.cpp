@@ -4,6 +4,10 @@
 #include "cimserver/http/Certificate.hpp"
 #include "cimserver/http/Users.hpp"
 
+#include "OW_CIMException.hpp"
+
+#include <algorithm>
+#include <climits>
 #include <functional>
 #include <string_view>
 #include <utility>
@@ -32,6 +36,13 @@ public:
     void Trailers(const cimxml::HeaderList& trailers) override {
         answer_.SetTrailers(AsHeaders(trailers));
     }
+    void LimitTime(cimxml::MakeLateAnswer late) override {
+        answer_.LimitTime([late = std::move(late)](std::chrono::milliseconds limit) {
+            cimxml::LateAnswer made = late(limit);
+            return http::LateAnswer{std::move(made.text), AsHeaders(made.trailers)};
+        });
+    }
+    void LiftLimit() override { answer_.LiftLimit(); }
 
 private:
     http::Answer& answer_;
@@ -42,6 +53,7 @@ host::Settings HostSettings(const Settings& settings, const Configuration& confi
     host::Settings result;
     result.directories = settings.providerDirectories;
     result.idleTime = settings.providerIdle;
+    result.longestWait = settings.busyTime;
     result.configItem = [&configuration](const OpenWBEM::String& name,
                                          const OpenWBEM::String& fallback) {
         const auto* item = configuration.Find(name.c_str());
@@ -83,6 +95,7 @@ http::Settings ListenerSettings(const Settings& settings, http::Observer& observ
     result.maxBodyBytes = settings.limits.bodyBytes;
     result.idleSeconds = settings.limits.idleSeconds;
     result.requestSeconds = settings.limits.requestSeconds;
+    result.callTime = settings.callTime;
     result.observer = &observer;
     result.watch = http::WatchTogether(result);
     return result;
@@ -203,6 +216,15 @@ bool Server::MayChange(const std::string& user) const {
     return ListsUser(writers_, user);
 }
 
+bool Server::Finish(std::chrono::milliseconds longest) {
+    const auto until = std::chrono::steady_clock::now() + longest;
+    for (const auto& listener : listeners_) {
+        listener->StopAccepting();
+    }
+    return std::all_of(listeners_.begin(), listeners_.end(),
+                       [until](const auto& listener) { return listener->WaitUntilIdle(until); });
+}
+
 void Server::Reached(http::Limit limit, const std::string& clientAddress) {
     limitLog_.Reached(ItemOf(limit), clientAddress);
 }
@@ -229,6 +251,9 @@ void Server::AnswerRequest(const http::Request& request, http::Answer& answer) {
     cimxml::Outcome outcome;
     try {
         outcome = cimxml::Answer(message, *operations_, output, xmlLimits_);
+        if (answer.IsGivenUp()) {
+            outcome.cimError = OpenWBEM::CIMException::FAILED;
+        }
     } catch (...) {
         constexpr int internalServerError = 500;
         outcome.httpStatus = internalServerError;

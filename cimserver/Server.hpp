@@ -37,6 +37,10 @@ public:
     /// Where there were no users or no TLS at the start, there are none after this.
     std::vector<std::string> ReloadCredentials(const AccessSettings& access);
 
+    /// Takes no more connections and requests, and waits for the calls that run and for their
+    /// answers. False when some have not ended after that time; the destructor waits for them.
+    bool Finish(std::chrono::milliseconds longest);
+
 private:
     void Listen(const std::vector<std::string>& addresses, const std::vector<int>& sockets,
                 http::Settings listener, const AccessSettings& access);

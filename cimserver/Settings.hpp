@@ -34,6 +34,9 @@ inline constexpr const char* anonymousFromAnywhere = "cimserver.anonymous_from_a
 inline constexpr const char* plainFromAnywhere = "cimserver.plain_from_anywhere";
 inline constexpr const char* providerDirectories = "cppprovifc.prov_location";
 inline constexpr const char* idleMinutes = "cppprovifc.prov_TTL";
+inline constexpr const char* callSeconds = "cimserver.call_seconds";
+inline constexpr const char* busySeconds = "cimserver.busy_seconds";
+inline constexpr const char* stopSeconds = "cimserver.stop_seconds";
 inline constexpr const char* mofFiles = "cimserver.mof_files";
 inline constexpr const char* nameSpace = "cimserver.namespace";
 inline constexpr const char* libraryItems = "cimserver.library_items";
@@ -77,6 +80,9 @@ struct Settings {
     std::vector<int> tlsSockets;
     std::vector<std::filesystem::path> providerDirectories;
     std::chrono::minutes providerIdle{}; ///< negative: providers stay
+    std::chrono::seconds callTime{};     ///< until a client is told that its call is late; 0: never
+    std::chrono::seconds busyTime{};     ///< that a call waits for a busy library; 0: for ever
+    std::chrono::seconds stopTime{};     ///< that running calls have when the server stops
     std::vector<std::filesystem::path> mofFiles;
     std::string nameSpace; ///< without slash at either end
     std::vector<std::string> libraryItems;

@@ -9,9 +9,12 @@
 #include "cimserver/ServiceManager.hpp"
 #include "cimserver/Settings.hpp"
 
+#include <chrono>
+#include <cstdlib>
 #include <exception>
 #include <iostream>
 #include <sstream>
+#include <string>
 
 namespace cimserver {
 
@@ -24,6 +27,18 @@ Configuration ReadAgain(int argc, const char* const* argv, const ServiceManager&
     ReadCommandLine(argc, argv, configuration, unused, unused);
     OverrideAddresses(manager.Sockets(), configuration);
     return configuration;
+}
+
+/// Comes back when no call runs any more. After that time the process ends with those that do: the
+/// server's destructor would wait for them.
+void FinishOrLeave(Server& server, std::chrono::seconds longest, const Log& log) {
+    if (server.Finish(longest)) {
+        return;
+    }
+    const std::string text = "calls still run after " + std::to_string(longest.count()) +
+                             " s; the server ends without them";
+    log.Logger()->logError(text.c_str());
+    std::_Exit(exitDone);
 }
 
 ExitCode Run(int argc, const char* const* argv) {
@@ -58,6 +73,7 @@ ExitCode Run(int argc, const char* const* argv) {
     manager.Ready();
     stop.Wait();
     manager.Stopping();
+    FinishOrLeave(server, settings.stopTime, log);
     return exitDone;
 }
 

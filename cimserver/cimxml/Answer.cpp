@@ -5,6 +5,9 @@
 #include "cimserver/cimxml/Headers.hpp"
 #include "cimserver/cimxml/Note.hpp"
 #include "cimserver/cimxml/ProtocolError.hpp"
+#include "cimserver/cimxml/TimeLimit.hpp"
+
+#include <memory>
 
 namespace cimserver::cimxml {
 
@@ -27,12 +30,15 @@ Frame FrameOf(const operations::Call& call) {
 void AnswerCall(const MethodCall& call, const Message& message, operations::Executor& executor,
                 Output& output, Outcome& outcome) {
     output.Head(AnswerStatus());
-    const AnswerTo answerTo{call.messageId, call.name, call.isExtrinsic};
-    AnswerWriter writer(output, answerTo);
+    const auto answerTo =
+        std::make_shared<const AnswerTo>(AnswerTo{call.messageId, call.name, call.isExtrinsic});
+    AnswerWriter writer(output, *answerTo);
+    TimeLimit timeLimit(output, answerTo);
     try {
         operations::Request request = ReadRequest(call);
         request.user = message.user;
         request.mayChange = message.mayChange;
+        request.watch = &timeLimit;
         Note(request.call, outcome);
         writer.Begin(FrameOf(request.call));
         executor.Execute(request, writer);

@@ -4,7 +4,9 @@
 
 #include "cimserver/operations/Operations.hpp"
 
+#include <chrono>
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -32,6 +34,14 @@ struct Status {
     std::string trailerNames = "CIMStatusCode, CIMStatusCodeDescription";
 };
 
+/// What a client gets in place of an answer that takes too long: the text when nothing of the
+/// answer has left, otherwise the trailers.
+struct LateAnswer {
+    std::string text;
+    HeaderList trailers;
+};
+using MakeLateAnswer = std::function<LateAnswer(std::chrono::milliseconds limit)>;
+
 /// Where the answer goes. One thread at a time.
 class Output {
 public:
@@ -47,6 +57,11 @@ public:
     virtual void Restart() = 0;
     /// What follows the text. Only once text has left.
     virtual void Trailers(const HeaderList& trailers) = 0;
+    /// From now on the answer may take a limited time. When that is over, `late` is called on
+    /// another thread and what it makes is sent; what arrives here is dropped from then on.
+    virtual void LimitTime(MakeLateAnswer late) = 0;
+    /// It may take any time again.
+    virtual void LiftLimit() = 0;
 };
 
 struct XmlLimits {

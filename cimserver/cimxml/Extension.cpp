@@ -50,6 +50,15 @@ bool IsCimHeader(std::string_view name) {
     return name.starts_with("CIM");
 }
 
+HeaderList Prefixed(HeaderList headers, const std::string& prefix) {
+    for (auto& [name, value] : headers) {
+        if (IsCimHeader(name)) {
+            name.insert(0, prefix);
+        }
+    }
+    return headers;
+}
+
 } // namespace
 
 Extension ExtensionOf(const Message& message) {
@@ -80,7 +89,7 @@ void ExtendedOutput::Head(const Status& status) {
         output_.Head(status);
         return;
     }
-    Status extended{status.httpStatus, Prefixed(status.headers), {}};
+    Status extended{status.httpStatus, Prefixed(status.headers, extension_.prefix), {}};
     for (const std::string_view trailer : Parts(status.trailerNames, ',')) {
         extended.trailerNames += extended.trailerNames.empty() ? "" : ", ";
         extended.trailerNames.append(extension_.prefix).append(trailer);
@@ -95,13 +104,17 @@ void ExtendedOutput::Head(const Status& status) {
     output_.Head(extended);
 }
 
-HeaderList ExtendedOutput::Prefixed(HeaderList headers) const {
-    for (auto& [name, value] : headers) {
-        if (IsCimHeader(name)) {
-            name.insert(0, extension_.prefix);
-        }
-    }
-    return headers;
+void ExtendedOutput::Trailers(const HeaderList& trailers) {
+    output_.Trailers(Prefixed(trailers, extension_.prefix));
+}
+
+void ExtendedOutput::LimitTime(MakeLateAnswer late) {
+    output_.LimitTime(
+        [late = std::move(late), prefix = extension_.prefix](std::chrono::milliseconds limit) {
+            LateAnswer answer = late(limit);
+            answer.trailers = Prefixed(std::move(answer.trailers), prefix);
+            return answer;
+        });
 }
 
 } // namespace cimserver::cimxml

@@ -27,11 +27,11 @@ public:
     void Write(std::string_view text) override { output_.Write(text); }
     bool HasLeft() const override { return output_.HasLeft(); }
     void Restart() override { output_.Restart(); }
-    void Trailers(const HeaderList& trailers) override { output_.Trailers(Prefixed(trailers)); }
+    void Trailers(const HeaderList& trailers) override;
+    void LimitTime(MakeLateAnswer late) override;
+    void LiftLimit() override { output_.LiftLimit(); }
 
 private:
-    HeaderList Prefixed(HeaderList headers) const;
-
     Output& output_;
     const Extension extension_;
 };

@@ -36,26 +36,35 @@ private:
     sigset_t before_{};
 };
 
-[[noreturn]] void RefuseProvider(const std::string& id) {
-    OW_THROWCIMMSG(OpenWBEM::CIMException::FAILED, ("Invalid provider: " + id).c_str());
+std::string InvalidProvider(const std::string& id, const std::string& reason) {
+    return "Invalid provider: " + id + ": " + reason;
+}
+
+[[noreturn]] void RefuseProvider(const std::string& id, const std::string& reason) {
+    OW_THROWCIMMSG(OpenWBEM::CIMException::FAILED, InvalidProvider(id, reason).c_str());
 }
 
 } // namespace
 
 struct Host::State {
+    using Use = std::function<void(OpenWBEM::CppProviderBaseIFC&,
+                                   const OpenWBEM::ProviderEnvironmentIFCRef&)>;
+
     explicit State(Settings given)
         : settings(std::make_shared<const Settings>(std::move(given))),
           log(LoggerFor(settings->logger, "ow.provider.cpp.ifc")),
-          store(settings->directories, log) {}
+          store(settings->directories, settings->longestWait, log) {}
 
     OpenWBEM::ProviderEnvironmentIFCRef EnvironmentFor(const std::string& user) const {
         return OpenWBEM::ProviderEnvironmentIFCRef(new Environment(settings, user));
     }
     void KeepHouse(const std::stop_token& stop);
-    /// Runs `use` with the provider of that id; false when no library yields it.
-    bool EnterLibrary(const std::string& id, const CallInfo& info,
-                      const std::function<void(OpenWBEM::CppProviderBaseIFC&,
-                                               const OpenWBEM::ProviderEnvironmentIFCRef&)>& use);
+    /// Runs `use` with the provider of that id; throws Refusal when no library yields it.
+    void EnterLibrary(const std::string& id, const Target& target, const CallInfo& info,
+                      const Use& use);
+    /// The same; the refusal is an error of the call.
+    void EnterNeededLibrary(const std::string& id, const Target& target, const CallInfo& info,
+                            const Use& use);
     void LogMissing(const std::string& id, const char* what) const {
         log->logError(OpenWBEM::String(("provider " + id + " serves no " + what).c_str()));
     }
@@ -82,13 +91,22 @@ void Host::State::KeepHouse(const std::stop_token& stop) {
     }
 }
 
-bool Host::State::EnterLibrary(
-    const std::string& id, const CallInfo& info,
-    const std::function<void(OpenWBEM::CppProviderBaseIFC&,
-                             const OpenWBEM::ProviderEnvironmentIFCRef&)>& use) {
+void Host::State::EnterLibrary(const std::string& id, const Target& target, const CallInfo& info,
+                               const Use& use) {
     const OpenSignalMask mask;
-    const auto env = EnvironmentFor(info.user);
-    return store.With(id, env, [&](OpenWBEM::CppProviderBaseIFC& provider) { use(provider, env); });
+    const Store::Visitor visitor{info.operation + " of " + target.className.c_str(),
+                                 EnvironmentFor(info.user), info};
+    store.With(id, visitor,
+               [&](OpenWBEM::CppProviderBaseIFC& provider) { use(provider, visitor.env); });
+}
+
+void Host::State::EnterNeededLibrary(const std::string& id, const Target& target,
+                                     const CallInfo& info, const Use& use) {
+    try {
+        EnterLibrary(id, target, info, use);
+    } catch (const Refusal& refusal) {
+        RefuseProvider(id, refusal.what());
+    }
 }
 
 Host::Host(Settings settings) : state_(std::make_unique<State>(std::move(settings))) {
@@ -113,13 +131,11 @@ bool Host::WithInstanceProvider(const Target& target, const CallInfo& info,
         auto* instances = provider.getInstanceProvider();
         if (instances == nullptr) {
             state_->LogMissing(*id, "instances");
-            RefuseProvider(*id);
+            RefuseProvider(*id, "serves no instances");
         }
         call(*instances, env);
     };
-    if (!state_->EnterLibrary(*id, info, use)) {
-        RefuseProvider(*id);
-    }
+    state_->EnterNeededLibrary(*id, target, info, use);
     return true;
 }
 
@@ -137,9 +153,7 @@ bool Host::WithAssociatorProvider(const Target& target, const CallInfo& info,
             call(*associations, env);
         }
     };
-    if (!state_->EnterLibrary(*id, info, use)) {
-        RefuseProvider(*id);
-    }
+    state_->EnterNeededLibrary(*id, target, info, use);
     return isServed;
 }
 
@@ -159,7 +173,14 @@ bool Host::WithMethodProvider(const Target& target, const OpenWBEM::String& meth
         }
         call(*methods, env);
     };
-    return state_->EnterLibrary(*id, info, use) && isServed;
+    try {
+        state_->EnterLibrary(*id, target, info, use);
+    } catch (const Refusal& refusal) {
+        const auto text = "No provider for method " + methodName + ": " +
+                          InvalidProvider(*id, refusal.what()).c_str();
+        OW_THROWCIMMSG(OpenWBEM::CIMException::NOT_FOUND, text.c_str());
+    }
+    return isServed;
 }
 
 } // namespace cimserver::host

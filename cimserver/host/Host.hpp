@@ -25,10 +25,14 @@ struct Target {
     OpenWBEM::String providerQualifier;
 };
 
-/// What a call is for, as the log and waiting callers are told.
+/// What a call is for.
 struct CallInfo {
     std::string operation; ///< "EnumerateInstances"
     std::string user;      ///< empty: anonymous
+    // Called by the call's thread: when it is inside its library, with what the log and waiting
+    // callers are told, such as `EnumerateInstances of ZNX_SoftwareIdentity`; and when it leaves.
+    std::function<void(const std::string& what)> entered = {};
+    std::function<void()> left = {};
 };
 
 using InstanceCall = std::function<void(OpenWBEM::CppInstanceProviderIFC&,
@@ -52,15 +56,17 @@ public:
     /// False when the class has no provider; `call` was not run then. Whatever the call or the
     /// provider's initialize throws arrives as RethrowAsCimException makes it. A library that is
     /// missing or refused, or a provider that serves no instances: CIMException FAILED,
-    /// `Invalid provider: ID`.
+    /// `Invalid provider: ID: REASON`. A library that stays busy: CIMException FAILED,
+    /// `busy with WHAT since N s`.
     virtual bool WithInstanceProvider(const Target& target, const CallInfo& info,
                                       const InstanceCall& call) = 0;
     /// The same with the provider of an association class. False also when the provider serves no
     /// associations.
     virtual bool WithAssociatorProvider(const Target& target, const CallInfo& info,
                                         const AssociatorCall& call) = 0;
-    /// The same with the provider of the target's method of that name. False also when the library
-    /// is missing or refused or the provider serves no methods.
+    /// The same with the provider of the target's method of that name. False also when the provider
+    /// serves no methods. A library that is missing or refused: CIMException NOT_FOUND,
+    /// `No provider for method NAME: Invalid provider: ID: REASON`.
     virtual bool WithMethodProvider(const Target& target, const OpenWBEM::String& methodName,
                                     const CallInfo& info, const MethodCall& call) = 0;
 };
@@ -69,6 +75,8 @@ struct Settings {
     std::vector<std::filesystem::path> directories;               ///< searched in this order
     std::chrono::milliseconds idleTime = std::chrono::minutes(5); ///< negative: never unload
     std::chrono::milliseconds housekeepingInterval = std::chrono::minutes(1);
+    /// For a library that is busy; 0: for ever.
+    std::chrono::milliseconds longestWait = std::chrono::seconds(60);
     /// The configured text of an item, or the default; names are case-sensitive.
     std::function<OpenWBEM::String(const OpenWBEM::String& name, const OpenWBEM::String& fallback)>
         configItem;

@@ -10,7 +10,7 @@
 
 namespace cimserver::host {
 
-/// Why a library cannot be used; the text is for the log.
+/// Why a library cannot be used; the text is for the log and for clients.
 class Refusal : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;

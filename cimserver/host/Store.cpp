@@ -16,10 +16,45 @@ OpenWBEM::String Text(const std::string& text) {
     return OpenWBEM::String(text.c_str());
 }
 
+/// What the first file gives that is not refused; when all are, throws Refusal with all reasons.
+template <class Function>
+auto FirstOf(const std::vector<std::filesystem::path>& files, const Function& function) {
+    std::string reasons;
+    for (const auto& file : files) {
+        try {
+            return function(file);
+        } catch (const Refusal& refusal) {
+            reasons += (reasons.empty() ? "" : "; ") + std::string(refusal.what());
+        }
+    }
+    throw Refusal(reasons);
+}
+
+/// Tells the caller while one of its calls is inside a library.
+class Visit {
+public:
+    explicit Visit(const Store::Visitor& visitor) : info_(visitor.info) {
+        if (info_.entered) {
+            info_.entered(visitor.what);
+        }
+    }
+    ~Visit() {
+        if (info_.left) {
+            info_.left();
+        }
+    }
+    Visit(const Visit&) = delete;
+    Visit& operator=(const Visit&) = delete;
+
+private:
+    const CallInfo& info_;
+};
+
 } // namespace
 
-Store::Store(std::vector<std::filesystem::path> directories, OpenWBEM::LoggerRef log)
-    : directories_(std::move(directories)), log_(std::move(log)) {
+Store::Store(std::vector<std::filesystem::path> directories, std::chrono::milliseconds longestWait,
+             OpenWBEM::LoggerRef log)
+    : directories_(std::move(directories)), longestWait_(longestWait), log_(std::move(log)) {
 }
 
 std::vector<std::filesystem::path> Store::Candidates(const std::string& id) const {
@@ -35,31 +70,33 @@ std::vector<std::filesystem::path> Store::Candidates(const std::string& id) cons
         searched += " " + directory.string();
     }
     if (files.empty()) {
-        log_->logError(Text("there is no provider library lib" + id + ".so in" + searched));
+        const std::string reason = "there is no provider library lib" + id + ".so in" + searched;
+        log_->logError(Text(reason));
+        throw Refusal(reason);
     }
     return files;
 }
 
-std::optional<LoadedProvider> Store::OpenFile(const std::filesystem::path& file,
-                                              const std::string& id) const {
+LoadedProvider Store::OpenFile(const std::filesystem::path& file, const std::string& id) const {
     try {
         Library library(file);
         library.CheckVersion();
         auto object = library.CreateProvider(id);
-        return LoadedProvider{std::move(library), std::move(object)};
+        return {std::move(library), std::move(object)};
     } catch (const Refusal& refusal) {
         log_->logError(Text(std::string("provider library not used: ") + refusal.what()));
-        return std::nullopt;
+        throw;
     }
 }
 
 std::optional<Store::Opened> Store::Open(const std::string& id) const {
-    for (const auto& file : Candidates(id)) {
-        if (auto loaded = OpenFile(file, id)) {
-            return Opened{file, std::move(*loaded)};
-        }
+    try {
+        return FirstOf(Candidates(id), [&](const auto& file) {
+            return Opened{file, OpenFile(file, id)};
+        });
+    } catch (const Refusal&) { // is in the log
+        return std::nullopt;
     }
-    return std::nullopt;
 }
 
 void Store::KeepForGood(const std::string& id, Opened opened) {
@@ -94,45 +131,49 @@ Store::Kept& Store::Keep(Unit& unit, const std::string& id, LoadedProvider loade
     return kept;
 }
 
-Store::Kept* Store::FindOrLoad(Unit& unit, const std::filesystem::path& file, const std::string& id,
+Store::Kept& Store::FindOrLoad(Unit& unit, const std::filesystem::path& file, const std::string& id,
                                const OpenWBEM::ProviderEnvironmentIFCRef& env) {
     const auto found = unit.providers.find(id);
     if (found != unit.providers.end()) {
-        return &found->second;
+        return found->second;
     }
     auto loaded = OpenFile(file, id);
-    if (!loaded) {
-        return nullptr;
-    }
-    Enter([&] { loaded->object->initialize(env); });
+    Enter([&] { loaded.object->initialize(env); });
     log_->logInfo(Text("provider " + id + " loaded from " + file.string()));
-    return &Keep(unit, id, std::move(*loaded), false);
+    return Keep(unit, id, std::move(loaded), false);
 }
 
-bool Store::With(const std::string& id, const OpenWBEM::ProviderEnvironmentIFCRef& env,
-                 const std::function<void(OpenWBEM::CppProviderBaseIFC&)>& use) {
-    const auto call = [&use](Kept& kept) {
-        kept.lastCall = Clock::now();
-        kept.loaded.object->updateAccessTime();
-        Enter([&] { use(*kept.loaded.object); });
-    };
-    if (Unit* unit = LastUnitOf(id)) {
-        const std::lock_guard gate(unit->gate);
-        const auto found = unit->providers.find(id);
-        if (found != unit->providers.end()) {
-            call(found->second);
-            return true;
-        }
+void Store::Call(Kept& kept, const Use& use) {
+    kept.lastCall = Clock::now();
+    kept.loaded.object->updateAccessTime();
+    Enter([&] { use(*kept.loaded.object); });
+}
+
+bool Store::UseWhereItWas(const std::string& id, const Visitor& visitor, const Use& use) {
+    Unit* unit = LastUnitOf(id);
+    if (unit == nullptr) {
+        return false;
     }
-    for (const auto& file : Candidates(id)) {
+    const Gate::Pass pass(unit->gate, visitor.what, longestWait_);
+    const auto found = unit->providers.find(id);
+    if (found == unit->providers.end()) {
+        return false;
+    }
+    const Visit visit(visitor);
+    Call(found->second, use);
+    return true;
+}
+
+void Store::With(const std::string& id, const Visitor& visitor, const Use& use) {
+    if (UseWhereItWas(id, visitor, use)) {
+        return;
+    }
+    FirstOf(Candidates(id), [&](const auto& file) {
         Unit& unit = UnitOf(file);
-        const std::lock_guard gate(unit.gate);
-        if (Kept* kept = FindOrLoad(unit, file, id, env)) {
-            call(*kept);
-            return true;
-        }
-    }
-    return false;
+        const Gate::Pass pass(unit.gate, visitor.what, longestWait_);
+        const Visit visit(visitor);
+        Call(FindOrLoad(unit, file, id, visitor.env), use);
+    });
 }
 
 bool Store::MayGo(const std::string& id, const Kept& kept, Clock::time_point limit) const {
@@ -160,8 +201,8 @@ void Store::DropIdle(std::chrono::milliseconds idleTime) {
     }
     const auto limit = Clock::now() - idleTime;
     for (Unit* unit : units) {
-        const std::unique_lock gate(unit->gate, std::try_to_lock);
-        if (gate.owns_lock()) {
+        const Gate::Pass pass(unit->gate, "the unloading of idle providers", std::try_to_lock);
+        if (pass.IsInside()) {
             std::erase_if(unit->providers, [&](const auto& entry) {
                 return MayGo(entry.first, entry.second, limit);
             });

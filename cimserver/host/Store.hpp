@@ -2,6 +2,7 @@
 // end.
 #pragma once
 
+#include "cimserver/host/Gate.hpp"
 #include "cimserver/host/Host.hpp"
 #include "cimserver/host/Library.hpp"
 
@@ -28,8 +29,17 @@ public:
         std::filesystem::path file;
         LoadedProvider loaded;
     };
+    /// Who wants to enter a library.
+    struct Visitor {
+        std::string what; ///< for the log and for waiting callers
+        OpenWBEM::ProviderEnvironmentIFCRef env;
+        const CallInfo& info;
+    };
+    using Use = std::function<void(OpenWBEM::CppProviderBaseIFC&)>;
 
-    Store(std::vector<std::filesystem::path> directories, OpenWBEM::LoggerRef log);
+    /// `longestWait` is for a library that is busy, 0: for ever.
+    Store(std::vector<std::filesystem::path> directories, std::chrono::milliseconds longestWait,
+          OpenWBEM::LoggerRef log);
 
     /// A provider fresh from the first directory that yields it, not initialized and not kept;
     /// none, with error lines that say why. For the start of the server, when no other thread
@@ -39,10 +49,9 @@ public:
     void KeepForGood(const std::string& id, Opened opened);
 
     /// Runs `use` with the provider of that id, which is loaded and initialized when it is not
-    /// there yet. False when no directory yields it, with error lines that say why. What the
-    /// library and `use` throw leaves as CIMException.
-    bool With(const std::string& id, const OpenWBEM::ProviderEnvironmentIFCRef& env,
-              const std::function<void(OpenWBEM::CppProviderBaseIFC&)>& use);
+    /// there yet. Throws Refusal, with error lines in the log, when no directory yields it. What
+    /// the library and `use` throw leaves as CIMException, as does `busy with WHAT since N s`.
+    void With(const std::string& id, const Visitor& visitor, const Use& use);
 
     /// Drops the providers whose last call began more than `idleTime` ago and that agree to go. A
     /// library that is busy is passed over.
@@ -58,21 +67,23 @@ private:
     };
     /// All that was made from one library file.
     struct Unit {
-        std::mutex gate; ///< guards the rest, and everything that runs in the library
+        Gate gate; ///< guards the rest, and everything that runs in the library
         std::map<std::string, Kept> providers;
     };
 
     std::vector<std::filesystem::path> Candidates(const std::string& id) const;
-    std::optional<LoadedProvider> OpenFile(const std::filesystem::path& file,
-                                           const std::string& id) const;
+    LoadedProvider OpenFile(const std::filesystem::path& file, const std::string& id) const;
     Unit& UnitOf(const std::filesystem::path& file);
     Unit* LastUnitOf(const std::string& id);
     Kept& Keep(Unit& unit, const std::string& id, LoadedProvider loaded, bool forGood);
-    Kept* FindOrLoad(Unit& unit, const std::filesystem::path& file, const std::string& id,
+    Kept& FindOrLoad(Unit& unit, const std::filesystem::path& file, const std::string& id,
                      const OpenWBEM::ProviderEnvironmentIFCRef& env);
+    static void Call(Kept& kept, const Use& use);
+    bool UseWhereItWas(const std::string& id, const Visitor& visitor, const Use& use);
     bool MayGo(const std::string& id, const Kept& kept, Clock::time_point limit) const;
 
     const std::vector<std::filesystem::path> directories_;
+    const std::chrono::milliseconds longestWait_;
     const OpenWBEM::LoggerRef log_;
     std::mutex tableMutex_; ///< guards the two maps; no gate is waited for while it is held
     std::map<std::filesystem::path, std::unique_ptr<Unit>> units_; ///< by canonical path

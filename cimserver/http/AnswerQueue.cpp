@@ -1,7 +1,6 @@
 #include "cimserver/http/AnswerQueue.hpp"
 
 #include <algorithm>
-#include <chrono>
 #include <cstring>
 #include <stdexcept>
 #include <utility>
@@ -50,6 +49,9 @@ AnswerQueue::Place AnswerQueue::NextPlace() {
     const std::lock_guard lock(mutex_);
     if (abandoned_) {
         DropAll();
+        return {};
+    }
+    if (closed_) {
         return {};
     }
     if (fileEnd_ != 0 && fileRead_ == fileEnd_) {
@@ -106,20 +108,22 @@ void AnswerQueue::Clear() {
     DropAll();
 }
 
-void AnswerQueue::Finish() {
+void AnswerQueue::EndWith(End end) {
     {
         const std::lock_guard lock(mutex_);
-        end_ = End::whole;
+        if (!closed_) {
+            end_ = end;
+        }
     }
     changed_.notify_one();
 }
 
+void AnswerQueue::Finish() {
+    EndWith(End::whole);
+}
+
 void AnswerQueue::Break() {
-    {
-        const std::lock_guard lock(mutex_);
-        end_ = End::broken;
-    }
-    changed_.notify_one();
+    EndWith(End::broken);
 }
 
 bool AnswerQueue::HasBytes() const {
@@ -131,21 +135,21 @@ bool AnswerQueue::HasEnough() const {
     return end_ != End::none || blocks_.size() > blocksAtOnce || fileRead_ < fileEnd_;
 }
 
-void AnswerQueue::WaitForBytes(std::unique_lock<std::mutex>& lock) {
+void AnswerQueue::WaitForBytes(std::unique_lock<std::mutex>& lock, Clock::time_point until) {
     if (HasBytes() || end_ != End::none) {
         return;
     }
     wanted_ = Wanted::enough;
     if (!changed_.wait_for(lock, longestLinger, [this] { return HasEnough(); })) {
         wanted_ = Wanted::anything;
-        changed_.wait(lock, [this] { return end_ != End::none || HasBytes(); });
+        changed_.wait_until(lock, until, [this] { return end_ != End::none || HasBytes(); });
     }
     wanted_ = Wanted::nothing;
 }
 
-AnswerQueue::Portion AnswerQueue::Read(char* target, std::size_t room) {
+AnswerQueue::Portion AnswerQueue::Read(char* target, std::size_t room, Clock::time_point until) {
     std::unique_lock lock(mutex_);
-    WaitForBytes(lock);
+    WaitForBytes(lock, until);
     std::size_t copied = 0;
     try {
         while (end_ != End::broken && copied < room && HasBytes()) {
@@ -194,6 +198,12 @@ std::size_t AnswerQueue::TakeFromFile(std::unique_lock<std::mutex>& lock, char* 
 void AnswerQueue::Abandon() {
     const std::lock_guard lock(mutex_);
     abandoned_ = true;
+}
+
+void AnswerQueue::Close() {
+    const std::lock_guard lock(mutex_);
+    closed_ = true;
+    end_ = End::whole;
 }
 
 std::uint64_t AnswerQueue::Size() const {

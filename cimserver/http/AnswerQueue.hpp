@@ -3,6 +3,7 @@
 
 #include "cimserver/http/Spool.hpp"
 
+#include <chrono>
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
@@ -22,6 +23,8 @@ class AnswerQueue {
 public:
     static constexpr std::size_t blockSize = std::size_t{64} * 1024;
     static constexpr std::size_t maxBlocks = 32;
+
+    using Clock = std::chrono::steady_clock;
 
     explicit AnswerQueue(std::string spoolDirectory);
     ~AnswerQueue();
@@ -45,13 +48,17 @@ public:
 
     enum class End : std::uint8_t { none, whole, broken };
     struct Portion {
-        std::size_t size = 0; ///< 0 at the end only
+        std::size_t size = 0;
         End end = End::none;
     };
-    /// Waits for the next bytes or the end and copies at most `room` of what is there.
-    Portion Read(char* target, std::size_t room);
+    /// Waits for the next bytes or the end and copies at most `room` of what is there. Size 0
+    /// without an end: nothing came until that time.
+    Portion Read(char* target, std::size_t room,
+                 Clock::time_point until = Clock::time_point::max());
     /// Nobody reads any more.
     void Abandon();
+    /// What is there is all that is read, whatever the maker does from now on.
+    void Close();
 
     /// How many bytes were appended and not read.
     std::uint64_t Size() const;
@@ -77,12 +84,13 @@ private:
     Place NextPlace();
     Block* BlockWithRoom();
     void DropAll();
+    void EndWith(End end);
     std::size_t AppendToBlock(Block& block, std::string_view bytes);
     std::size_t AppendToFile(std::string_view bytes);
     void WakeSender();
     bool HasBytes() const;
     bool HasEnough() const;
-    void WaitForBytes(std::unique_lock<std::mutex>& lock);
+    void WaitForBytes(std::unique_lock<std::mutex>& lock, Clock::time_point until);
     std::size_t TakeFromBlock(std::unique_lock<std::mutex>& lock, char* target, std::size_t room);
     std::size_t TakeFromFile(std::unique_lock<std::mutex>& lock, char* target, std::size_t room);
 
@@ -96,6 +104,7 @@ private:
     std::uint64_t fileEnd_ = 0;
     End end_ = End::none;
     bool abandoned_ = false;
+    bool closed_ = false;
     Wanted wanted_ = Wanted::nothing;
 
     Spool spool_;

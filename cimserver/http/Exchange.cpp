@@ -1,6 +1,6 @@
 #include "cimserver/http/Exchange.hpp"
 
-#include <csignal>
+#include <algorithm>
 #include <cstring>
 #include <utility>
 
@@ -9,23 +9,6 @@
 namespace cimserver::http {
 
 namespace {
-
-/// The HTTP library's threads block SIGPIPE, and a handler's child processes would inherit that.
-class SignalsAsForPrograms {
-public:
-    SignalsAsForPrograms() {
-        sigset_t none;
-        sigemptyset(&none);
-        sigaddset(&none, SIGPIPE);
-        pthread_sigmask(SIG_UNBLOCK, &none, &before_);
-    }
-    ~SignalsAsForPrograms() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
-    SignalsAsForPrograms(const SignalsAsForPrograms&) = delete;
-    SignalsAsForPrograms& operator=(const SignalsAsForPrograms&) = delete;
-
-private:
-    sigset_t before_{};
-};
 
 bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
     return a.size() == b.size() && strncasecmp(a.data(), b.data(), a.size()) == 0;
@@ -64,12 +47,15 @@ bool TakesTrailers(const Request& request, const char* version) {
     return false;
 }
 
-AnswerInTransit::AnswerInTransit(bool canStream, std::string spoolDirectory)
-    : canStream_(canStream), queue_(std::move(spoolDirectory)) {
+AnswerInTransit::AnswerInTransit(bool canStream, std::string spoolDirectory,
+                                 std::chrono::milliseconds callTime)
+    : canStream_(canStream), spoolDirectory_(std::move(spoolDirectory)), callTime_(callTime),
+      queue_(spoolDirectory_) {
 }
 
 void AnswerInTransit::SetHead(Head head) {
-    if (!hasLeft_) {
+    const std::lock_guard lock(mutex_);
+    if (!hasLeft_ && !isGivenUp_) {
         head_ = std::move(head);
     }
 }
@@ -77,9 +63,20 @@ void AnswerInTransit::SetHead(Head head) {
 void AnswerInTransit::Append(std::string_view bytes) {
     queue_.Append(bytes);
     if (canStream_ && !hasLeft_ && queue_.Size() >= AnswerQueue::blockSize) {
-        hasLeft_ = true;
-        ready_.count_down();
+        BecomeReady(true);
     }
+}
+
+void AnswerInTransit::BecomeReady(bool streams) {
+    {
+        const std::lock_guard lock(mutex_);
+        if (isGivenUp_) {
+            return;
+        }
+        hasLeft_ = hasLeft_ || streams;
+        isReady_ = true;
+    }
+    ready_.notify_one();
 }
 
 void AnswerInTransit::Clear() {
@@ -89,13 +86,32 @@ void AnswerInTransit::Clear() {
 }
 
 void AnswerInTransit::SetTrailers(std::vector<Header> trailers) {
-    trailers_ = std::move(trailers);
+    const std::lock_guard lock(mutex_);
+    if (!isGivenUp_) {
+        trailers_ = std::move(trailers);
+    }
+}
+
+void AnswerInTransit::LimitTime(MakeLateAnswer late) {
+    if (callTime_.count() > 0) {
+        const std::lock_guard lock(mutex_);
+        limit_.emplace(Limit{Clock::now() + callTime_, std::move(late)});
+    }
+}
+
+void AnswerInTransit::LiftLimit() {
+    const std::lock_guard lock(mutex_);
+    limit_.reset();
+}
+
+bool AnswerInTransit::IsGivenUp() const {
+    const std::lock_guard lock(mutex_);
+    return isGivenUp_;
 }
 
 void AnswerInTransit::MakeWith(const Handler& handler, const Request& request) noexcept {
     bool isMade = false;
     try {
-        const SignalsAsForPrograms signals;
         handler(request, *this);
         isMade = true;
     } catch (...) {
@@ -103,31 +119,90 @@ void AnswerInTransit::MakeWith(const Handler& handler, const Request& request) n
         Clear();
         SetHead({internalServerError, {}, {}});
     }
-    if (hasLeft_) {
-        isMade ? queue_.Finish() : queue_.Break();
-        return;
+    LiftLimit();
+    hasLeft_ && !isMade ? queue_.Break() : queue_.Finish();
+    BecomeReady(false);
+}
+
+bool AnswerInTransit::IsLate() const {
+    return limit_ && Clock::now() >= limit_->end;
+}
+
+// No limit that is set later ends before the time that this returns, so nobody need wake the sender
+// for one.
+AnswerInTransit::Clock::time_point AnswerInTransit::NextLook() const {
+    if (callTime_.count() <= 0) {
+        return Clock::time_point::max();
     }
-    queue_.Finish();
-    ready_.count_down();
+    return limit_ ? limit_->end : Clock::now() + callTime_;
+}
+
+void AnswerInTransit::GiveUp() {
+    isGivenUp_ = true;
+    const MakeLateAnswer make = std::move(limit_->late);
+    limit_.reset();
+    LateAnswer late = make(callTime_);
+    lateText_ = std::move(late.text);
+    trailers_ = std::move(late.trailers);
+}
+
+bool AnswerInTransit::WaitUntilReady() {
+    std::unique_lock lock(mutex_);
+    while (!ready_.wait_until(lock, NextLook(), [this] { return isReady_; })) {
+        if (IsLate()) {
+            GiveUp();
+            queue_.Abandon();
+            return false;
+        }
+    }
+    return true;
+}
+
+std::shared_ptr<AnswerInTransit> AnswerInTransit::InItsPlace() const {
+    auto other = std::make_shared<AnswerInTransit>(false, spoolDirectory_, callTime_);
+    const std::lock_guard lock(mutex_);
+    other->head_ = head_;
+    other->Append(lateText_);
+    other->queue_.Finish();
+    other->BecomeReady(false);
+    return other;
+}
+
+AnswerQueue::Portion AnswerInTransit::Read(char* target, std::size_t room) noexcept {
+    AnswerQueue::Portion portion;
+    while (portion.size == 0 && portion.end == AnswerQueue::End::none) {
+        portion = queue_.Read(target, room, LookAtTheClock());
+    }
+    return portion;
+}
+
+// When to look again.
+AnswerInTransit::Clock::time_point AnswerInTransit::LookAtTheClock() noexcept {
+    const std::lock_guard lock(mutex_);
+    if (IsLate()) {
+        try {
+            GiveUp();
+            queue_.Close();
+        } catch (const std::exception&) {
+            queue_.Break();
+        }
+    }
+    return NextLook();
 }
 
 Exchange::~Exchange() {
     if (answer_ != nullptr) {
         answer_->Bytes().Abandon();
     }
-    if (maker_.joinable()) {
-        maker_.join();
-    }
 }
 
 std::shared_ptr<AnswerInTransit> Exchange::Make(const Handler& handler, bool canStream,
-                                                const std::string& spoolDirectory) {
-    answer_ = std::make_shared<AnswerInTransit>(canStream, spoolDirectory);
-    if (canStream) {
-        maker_ = std::thread([this, &handler] { answer_->MakeWith(handler, request); });
-        answer_->WaitUntilReady();
-    } else {
-        answer_->MakeWith(handler, request);
+                                                const Settings& settings, Workers& workers) {
+    answer_ =
+        std::make_shared<AnswerInTransit>(canStream, settings.spoolDirectory, settings.callTime);
+    workers.Run([answer = answer_, asked = kept_, &handler] { answer->MakeWith(handler, *asked); });
+    if (!answer_->WaitUntilReady()) {
+        answer_ = answer_->InItsPlace();
     }
     return answer_;
 }

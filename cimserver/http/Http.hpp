@@ -36,6 +36,14 @@ struct Head {
     std::string trailerNames; ///< those that may follow the text, as a Trailer header lists them
 };
 
+/// What a client gets in place of an answer that takes too long: the text when nothing of the
+/// answer has left, otherwise the trailers behind what has left.
+struct LateAnswer {
+    std::string text;
+    std::vector<Header> trailers;
+};
+using MakeLateAnswer = std::function<LateAnswer(std::chrono::milliseconds limit)>;
+
 /// The answer to one request while its handler makes it. Used by the thread that runs the handler;
 /// none of its functions waits for the client. What the client has not taken yet is kept in memory
 /// up to a bound and beyond that in a file. To a client that takes trailers (RFC 9110, 6.5) the
@@ -56,10 +64,19 @@ public:
     virtual void Clear() = 0;
     /// What follows the text. Only once text has left.
     virtual void SetTrailers(std::vector<Header> trailers) = 0;
+    /// From now on the handler has Settings::callTime. When that is over, the client gets the head
+    /// as it is with what `late` makes, on another thread; the handler goes on, and nothing of what
+    /// it does to the answer counts any more. A further call begins anew.
+    virtual void LimitTime(MakeLateAnswer late) = 0;
+    /// The handler may take any time again.
+    virtual void LiftLimit() = 0;
+    /// True: the client has got something else.
+    virtual bool IsGivenUp() const = 0;
 };
 
 /// Called from several threads at once; may block. An exception that escapes becomes status 500, or
-/// closes the connection within the answer when text has left.
+/// closes the connection within the answer when text has left. Request and answer stay there until
+/// it returns, also when the client has gone.
 using Handler = std::function<void(const Request&, Answer&)>;
 
 class Certificate;
@@ -105,9 +122,10 @@ struct Settings {
     std::size_t maxHeaderBytes = std::size_t{8} * 1024; ///< with the first line; at most 32 KiB
     std::size_t maxBodyBytes = std::size_t{1024} * 1024;
     unsigned idleSeconds = 300;
-    unsigned requestSeconds = 30; ///< for a whole request to arrive
-    std::string spoolDirectory;   ///< for large answers; empty: $TMPDIR, or /tmp
-    Observer* observer = nullptr; ///< outlives the server; null: nobody is told
+    unsigned requestSeconds = 30;          ///< for a whole request to arrive
+    std::chrono::milliseconds callTime{0}; ///< of a handler that limits its time; 0: any
+    std::string spoolDirectory;            ///< for large answers; empty: $TMPDIR, or /tmp
+    Observer* observer = nullptr;          ///< outlives the server; null: nobody is told
     /// The one whose limits this listener shares with others; null: one of its own.
     std::shared_ptr<ConnectionWatch> watch;
     Access access;
@@ -133,6 +151,12 @@ public:
 
     /// The port really bound, of use when the settings asked for any.
     std::uint16_t Port() const;
+
+    /// Takes no more connections, and no more requests on those there are (503).
+    void StopAccepting();
+    /// Waits for the running handlers to return and for their answers to be sent. False when some
+    /// have not at that time.
+    bool WaitUntilIdle(std::chrono::steady_clock::time_point until);
 
 private:
     struct Daemon;

@@ -22,9 +22,10 @@ void ReleaseSource(void* source) {
     delete static_cast<Source*>(source);
 }
 
-ssize_t ReadOn(void* argument, std::uint64_t /*position*/, char* target, std::size_t room) {
+ssize_t ReadOn(void* argument, std::uint64_t /*position*/, char* target,
+               std::size_t room) noexcept {
     const Source& source = *static_cast<const Source*>(argument);
-    const AnswerQueue::Portion portion = source.answer->Bytes().Read(target, room);
+    const AnswerQueue::Portion portion = source.answer->Read(target, room);
     if (portion.end == AnswerQueue::End::none) {
         return static_cast<ssize_t>(portion.size);
     }

@@ -7,6 +7,7 @@
 #include "cimserver/http/ListeningSocket.hpp"
 #include "cimserver/http/Sending.hpp"
 
+#include <atomic>
 #include <charconv>
 #include <cstring>
 #include <new>
@@ -15,6 +16,8 @@
 
 #include <gnutls/abstract.h>
 #include <microhttpd.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
 namespace cimserver::http {
 
@@ -143,14 +146,19 @@ struct Server::Daemon {
     MHD_Result TakeHead(MHD_Connection* connection, const char* method, const char* version,
                         Exchange& exchange);
     MHD_Result TakeBody(Exchange& exchange, const char* data, std::size_t& size) const;
-    MHD_Result AnswerRequest(MHD_Connection* connection, const char* version,
-                             Exchange& exchange) const;
+    MHD_Result AnswerRequest(MHD_Connection* connection, const char* version, Exchange& exchange);
+    void StopAccepting();
 
     Settings settings;
-    Handler handler;
+    const Handler handler;
     std::shared_ptr<ConnectionWatch> watch;
     Admission admission;
     std::uint16_t port = 0;
+    std::atomic<bool> isStopping = false;
+    /// After StopAccepting the socket is ours again, to be closed behind the HTTP library.
+    int listening = -1;
+    InFlight inFlight;
+    Workers workers; ///< its tasks use the handler
     MHD_Daemon* daemon = nullptr;
 };
 
@@ -176,8 +184,8 @@ Server::Daemon::Daemon(const Settings& chosen, Handler chosenHandler)
 
 void Server::Daemon::Start(int socket) {
     const bool hasTls = settings.certificate != nullptr;
-    constexpr unsigned usual =
-        MHD_USE_THREAD_PER_CONNECTION | MHD_USE_INTERNAL_POLLING_THREAD | MHD_USE_POLL;
+    constexpr unsigned usual = MHD_USE_THREAD_PER_CONNECTION | MHD_USE_INTERNAL_POLLING_THREAD |
+                               MHD_USE_POLL | MHD_USE_ITC;
     auto options = hasTls ? TlsOptions() : NoOptions();
     daemon = MHD_start_daemon(
         hasTls ? usual | MHD_USE_TLS : usual, port, &Accept, this, &Receive, this,
@@ -191,6 +199,21 @@ void Server::Daemon::Start(int socket) {
 Server::Daemon::~Daemon() {
     admission.EndDelays();
     MHD_stop_daemon(daemon);
+    if (listening >= 0) {
+        close(listening);
+    }
+}
+
+void Server::Daemon::StopAccepting() {
+    isStopping = true;
+    if (listening < 0) {
+        listening = MHD_quiesce_daemon(daemon);
+        // Whoever connects now is refused; at a socket that was handed to us the next server
+        // answers.
+        if (settings.descriptor < 0) {
+            shutdown(listening, SHUT_RDWR);
+        }
+    }
 }
 
 MHD_Result Server::Daemon::Accept(void* self, const sockaddr* address, socklen_t /*size*/) {
@@ -298,6 +321,9 @@ MHD_Result Server::Daemon::TakeHead(MHD_Connection* connection, const char* meth
                                     const char* version, Exchange& exchange) {
     exchange.request.method = method;
     exchange.request.clientAddress = ClientAddress(connection);
+    if (isStopping) {
+        return Refuse(connection, MHD_HTTP_SERVICE_UNAVAILABLE, exchange);
+    }
     if (HeaderSize(connection) > settings.maxHeaderBytes) {
         TellOfLimit(Limit::headerBytes, exchange);
         return Refuse(connection, MHD_HTTP_REQUEST_HEADER_FIELDS_TOO_LARGE, exchange);
@@ -337,10 +363,11 @@ MHD_Result Server::Daemon::TakeBody(Exchange& exchange, const char* data, std::s
 }
 
 MHD_Result Server::Daemon::AnswerRequest(MHD_Connection* connection, const char* version,
-                                         Exchange& exchange) const {
+                                         Exchange& exchange) {
     if (exchange.refused) {
         return Refuse(connection, MHD_HTTP_UNAUTHORIZED, exchange);
     }
+    exchange.running.emplace(inFlight);
     if (exchange.tooLarge) {
         return Refuse(connection, MHD_HTTP_CONTENT_TOO_LARGE, exchange);
     }
@@ -349,7 +376,7 @@ MHD_Result Server::Daemon::AnswerRequest(MHD_Connection* connection, const char*
     }
     try {
         const bool canStream = TakesTrailers(exchange.request, version);
-        return Send(connection, exchange.Make(handler, canStream, settings.spoolDirectory));
+        return Send(connection, exchange.Make(handler, canStream, settings, workers));
     } catch (const std::system_error&) {
         return Refuse(connection, MHD_HTTP_SERVICE_UNAVAILABLE, exchange);
     }
@@ -367,6 +394,14 @@ std::shared_ptr<ConnectionWatch> WatchTogether(const Settings& settings) {
 
 std::uint16_t Server::Port() const {
     return daemon_->port;
+}
+
+void Server::StopAccepting() {
+    daemon_->StopAccepting();
+}
+
+bool Server::WaitUntilIdle(std::chrono::steady_clock::time_point until) {
+    return daemon_->inFlight.WaitUntilNone(until) && daemon_->workers.WaitUntilIdle(until);
 }
 
 } // namespace cimserver::http

@@ -85,7 +85,7 @@ void AskAll(const Classes& candidates, const Surroundings& around, const char* o
             const AssociationCall& call) {
     for (const CIMClass* candidate : candidates) {
         around.providers.WithAssociatorProvider(
-            TargetOf(*candidate, around.nameSpace), {operation, around.user},
+            TargetOf(*candidate, around.nameSpace), around.InfoFor(operation),
             [&](auto& provider, const auto& env) { call(provider, env, candidate->getName()); });
     }
 }

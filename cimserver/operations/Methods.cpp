@@ -143,7 +143,7 @@ void Carry(const InvokeMethod& call, const Surroundings& around, ResultSink& sin
     }
     const bool hasProvider = around.providers.WithMethodProvider(
         MethodTarget(method, cimClass, around.nameSpace), method.getName(),
-        {operation, around.user}, [&](auto& provider, const auto& env) {
+        around.InfoFor(operation), [&](auto& provider, const auto& env) {
             const CIMParamValueArray in = InParameters(method, call.parameters);
             CIMParamValueArray out = OutParameters(method, in);
             const CIMValue value =

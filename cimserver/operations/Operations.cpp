@@ -68,8 +68,8 @@ void Operations::Execute(const Request& request, ResultSink& sink) {
     try {
         CheckAllowed(request);
         CheckSupported(request.call);
-        const Surroundings around{schema_, providers_, WithoutSlashes(request.nameSpace), hostName_,
-                                  request.user};
+        const Surroundings around{schema_,   providers_,   WithoutSlashes(request.nameSpace),
+                                  hostName_, request.user, request.watch};
         CheckNameSpace(around.nameSpace, nameSpace_);
         std::visit(
             [&](const auto& call) {

@@ -139,12 +139,23 @@ using Call =
                  CreateInstance, ModifyInstance, DeleteInstance, Associators, AssociatorNames,
                  References, ReferenceNames, InvokeMethod, OtherOperation, FaultyCall>;
 
+/// Learns when a call is inside a provider library, which may be several times. Called by the
+/// thread of the call.
+class ProviderWatch {
+public:
+    virtual ~ProviderWatch() = default;
+    /// `what` is the call as people are told, such as `EnumerateInstances of ZNX_SoftwareIdentity`.
+    virtual void Entered(const std::string& what) = 0;
+    virtual void Left() = 0;
+};
+
 struct Request {
     OpenWBEM::String nameSpace; ///< without leading slash
     std::string user;           ///< empty: anonymous
     Call call;
     /// The user may call methods, create, modify, delete and set; otherwise he may only read.
     bool mayChange = false;
+    ProviderWatch* watch = nullptr; ///< null: nobody wants to know
 };
 
 /// Takes the results of one call in order; which of these are called follows from the call, and

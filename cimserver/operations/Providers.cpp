@@ -57,7 +57,7 @@ host::Target TargetOf(const CIMClass& cimClass, const String& nameSpace) {
 bool AskProvider(const CIMClass& cimClass, const Surroundings& around, const char* operation,
                  const host::InstanceCall& call) {
     return around.providers.WithInstanceProvider(TargetOf(cimClass, around.nameSpace),
-                                                 {operation, around.user}, call);
+                                                 around.InfoFor(operation), call);
 }
 
 void AskProviderOf(const CIMObjectPath& path, const CIMClass& cimClass, const Surroundings& around,

@@ -19,6 +19,8 @@ public:
     bool HasLeft() const override { return false; }
     void Restart() override { text.clear(); }
     void Trailers(const HeaderList&) override {}
+    void LimitTime(cimserver::cimxml::MakeLateAnswer) override {}
+    void LiftLimit() override {}
 
     std::string text;
 };

@@ -53,10 +53,17 @@ public:
     bool HasLeft() const override { return text.size() >= leavesAt_; }
     void Restart() override;
     void Trailers(const cimserver::cimxml::HeaderList& list) override;
+    void LimitTime(cimserver::cimxml::MakeLateAnswer late) override {
+        limit = std::move(late);
+        ++limits;
+    }
+    void LiftLimit() override { limit = nullptr; }
 
     cimserver::cimxml::Status head;
     std::string text;
     cimserver::cimxml::HeaderList trailers;
+    cimserver::cimxml::MakeLateAnswer limit; ///< null: none
+    int limits = 0;
 
 private:
     std::size_t leavesAt_;

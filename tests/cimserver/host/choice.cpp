@@ -56,7 +56,10 @@ TEST_F(Choice, QualifierForms) {
 TEST_F(Choice, IdIsCaseSensitive) {
     Install("Good");
     Start();
-    EXPECT_EQ(Failure("c++::good"), "1 general error (Invalid provider: good)");
+    EXPECT_EQ(
+        Failure("c++::good"),
+        "1 general error (Invalid provider: good: there is no provider library libgood.so in " +
+            Directory().string() + ")");
 }
 
 TEST_F(Choice, RegisteredForAllNamespacesWinsOverAllElse) {

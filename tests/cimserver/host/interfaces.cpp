@@ -79,12 +79,18 @@ TEST_F(Interfaces, NoQualifierIsNoProvider) {
     EXPECT_EQ(LogTaken().size(), 2U);
 }
 
-TEST_F(Interfaces, MissingOrRefusedLibraryServesNoMethod) {
+TEST_F(Interfaces, MissingOrRefusedLibraryFailsMethods) {
     Install("OldVersion");
     Start();
     LogTaken();
-    EXPECT_FALSE(Invoke("c++::Missing"));
-    EXPECT_FALSE(Invoke("c++::OldVersion"));
+    const std::string start = "6 requested object could not be found (No provider for method Run: ";
+    EXPECT_EQ(FailureOf([&] { return Invoke("c++::Missing"); }),
+              start + "Invalid provider: Missing: there is no provider library libMissing.so in " +
+                  Directory().string() + ")");
+    EXPECT_EQ(FailureOf([&] { return Invoke("c++::OldVersion"); }),
+              start +
+                  "Invalid provider: OldVersion: " + (Directory() / "libOldVersion.so").string() +
+                  ": made for OpenWBEM 3.0.2, this server is 3.0.3)");
     EXPECT_EQ(LogTaken().size(), 2U);
 }
 
@@ -93,9 +99,13 @@ TEST_F(Interfaces, MissingOrRefusedLibraryFailsAssociations) {
     Start();
     LogTaken();
     EXPECT_EQ(FailureOf([&] { return Refer("c++::Missing"); }),
-              "1 general error (Invalid provider: Missing)");
+              "1 general error (Invalid provider: Missing: there is no provider library "
+              "libMissing.so in " +
+                  Directory().string() + ")");
     EXPECT_EQ(FailureOf([&] { return Refer("c++::OldVersion"); }),
-              "1 general error (Invalid provider: OldVersion)");
+              "1 general error (Invalid provider: OldVersion: " +
+                  (Directory() / "libOldVersion.so").string() +
+                  ": made for OpenWBEM 3.0.2, this server is 3.0.3)");
     EXPECT_EQ(LogTaken().size(), 2U);
 }
 

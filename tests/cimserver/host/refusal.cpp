@@ -29,8 +29,10 @@ TEST_P(RefusedLibrary, IsNamedWithTheReasonAtTheStartAndAtEachRequest) {
     Start();
     EXPECT_THAT(LogTaken(), ElementsAre(line));
     for (int request = 0; request < 2; ++request) {
-        EXPECT_EQ(Failure("c++::" + std::string(id)),
-                  "1 general error (Invalid provider: " + std::string(id) + ")");
+        EXPECT_THAT(Failure("c++::" + std::string(id)),
+                    AllOf(StartsWith("1 general error (Invalid provider: " + std::string(id) +
+                                     ": " + (Directory() / "lib").string() + id + ".so: "),
+                          HasSubstr(reason)));
         EXPECT_THAT(LogTaken(), ElementsAre(line));
     }
 }
@@ -48,11 +50,27 @@ class Refusal : public HostTest {};
 
 TEST_F(Refusal, MissingLibraryIsNamedWithTheDirectories) {
     Start();
-    EXPECT_EQ(Failure("c++::Missing"), "1 general error (Invalid provider: Missing)");
-    EXPECT_THAT(LogTaken(),
-                ElementsAre("ow.provider.cpp.ifc ERROR there is no provider library libMissing.so "
-                            "in " +
-                            Directory().string()));
+    const std::string reason =
+        "there is no provider library libMissing.so in " + Directory().string();
+    EXPECT_EQ(Failure("c++::Missing"),
+              "1 general error (Invalid provider: Missing: " + reason + ")");
+    EXPECT_THAT(LogTaken(), ElementsAre("ow.provider.cpp.ifc ERROR " + reason));
+}
+
+TEST_F(Refusal, EveryDirectoryThatHasTheLibraryIsNamed) {
+    auto settings = Settings();
+    settings.directories = {Directory() / "one", Directory() / "two"};
+    for (const auto& directory : settings.directories) {
+        std::filesystem::create_directory(directory);
+        std::filesystem::create_symlink(HOST_TEST_PROVIDERS "/libOldVersion.so",
+                                        directory / "libOldVersion.so");
+    }
+    Start(settings);
+    const std::string reason = ": made for OpenWBEM 3.0.2, this server is 3.0.3";
+    EXPECT_EQ(Failure("c++::OldVersion"),
+              "1 general error (Invalid provider: OldVersion: " +
+                  (settings.directories[0] / "libOldVersion.so").string() + reason + "; " +
+                  (settings.directories[1] / "libOldVersion.so").string() + reason + ")");
 }
 
 TEST_F(Refusal, IdNeverLeavesTheDirectory) {
@@ -62,7 +80,8 @@ TEST_F(Refusal, IdNeverLeavesTheDirectory) {
     std::filesystem::create_directory(Directory() / "below");
     std::filesystem::create_directory(Directory() / "below" / "lib");
     Start(settings);
-    EXPECT_EQ(Failure("c++::/../../libGood"), "1 general error (Invalid provider: /../../libGood)");
+    EXPECT_THAT(Failure("c++::/../../libGood"),
+                StartsWith("1 general error (Invalid provider: /../../libGood: there is no "));
     EXPECT_THAT(TakeLines(), IsEmpty());
 }
 
@@ -70,7 +89,8 @@ TEST_F(Refusal, ProviderWithoutInstancesIsInvalidForThem) {
     Install("MethodsOnly");
     Start();
     EXPECT_THAT(LogTaken(), IsEmpty());
-    EXPECT_EQ(Failure("c++::MethodsOnly"), "1 general error (Invalid provider: MethodsOnly)");
+    EXPECT_EQ(Failure("c++::MethodsOnly"),
+              "1 general error (Invalid provider: MethodsOnly: serves no instances)");
     EXPECT_THAT(LogTaken(),
                 ElementsAre("ow.provider.cpp.ifc ERROR provider MethodsOnly serves no instances"));
 }
@@ -161,6 +181,8 @@ TEST_F(Refusal, CallThatThrows) {
               "4 invalid parameter passed to method");
     EXPECT_EQ(failure([] { throw std::bad_alloc(); }), "1 std::bad_alloc");
     EXPECT_EQ(failure([] { throw 5; }), "1 Unknown Exception");
+    EXPECT_EQ(failure([] { throw std::string("no exception"); }), "1 Unknown Exception");
+    EXPECT_EQ(failure([] { throw nullptr; }), "1 Unknown Exception");
     EXPECT_TRUE(Enumerate("c++::Good"));
 }
 

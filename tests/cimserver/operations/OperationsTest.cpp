@@ -302,6 +302,7 @@ void PlayedProvider::referenceNames(const Env&, OpenWBEM::CIMObjectPathResultHan
 
 PlayedProvider* PlayedProviders::Ask(const cimserver::host::Target& target,
                                      const cimserver::host::CallInfo& info) {
+    lastInfo = info;
     asked.push_back(info.operation + " by " + info.user + ": " + Text(target.nameSpace) + ":" +
                     Text(target.className) + " " + Text(target.providerQualifier));
     const auto found = providers.find(Text(target.providerQualifier));

@@ -152,6 +152,7 @@ public:
 
     std::map<std::string, PlayedProvider*> providers;
     Lines asked; ///< `OPERATION by USER: NAMESPACE:CLASS QUALIFIER`
+    cimserver::host::CallInfo lastInfo;
 
 private:
     PlayedProvider* Ask(const cimserver::host::Target& target,

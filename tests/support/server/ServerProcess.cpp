@@ -83,6 +83,11 @@ double MemoryOf(pid_t process, const std::string& item) {
     throw std::runtime_error("the server is gone");
 }
 
+std::size_t EntriesOf(const std::string& directory) {
+    const std::filesystem::directory_iterator entries(directory);
+    return static_cast<std::size_t>(std::distance(entries, std::filesystem::directory_iterator()));
+}
+
 } // namespace
 
 ServerProcess::ServerProcess(const std::vector<std::string>& moreArguments)
@@ -142,7 +147,17 @@ std::uint16_t ServerProcess::TlsPort() const {
 
 int ServerProcess::Stop() {
     if (status_ == -1) {
-        kill(process_, SIGTERM);
+        Signal(SIGTERM);
+    }
+    return Wait();
+}
+
+void ServerProcess::Signal(int signal) const {
+    kill(process_, signal);
+}
+
+int ServerProcess::Wait() {
+    if (status_ == -1) {
         waitpid(process_, &status_, 0);
     }
     return WIFSIGNALED(status_) ? 128 + WTERMSIG(status_) : WEXITSTATUS(status_);
@@ -162,8 +177,11 @@ double ServerProcess::PeakMegabytes() const {
 }
 
 std::size_t ServerProcess::OpenDescriptors() const {
-    const std::filesystem::directory_iterator files("/proc/" + std::to_string(process_) + "/fd");
-    return static_cast<std::size_t>(std::distance(files, std::filesystem::directory_iterator()));
+    return EntriesOf("/proc/" + std::to_string(process_) + "/fd");
+}
+
+std::size_t ServerProcess::Threads() const {
+    return EntriesOf("/proc/" + std::to_string(process_) + "/task");
 }
 
 std::size_t ServerProcess::Zombies() const {

@@ -26,6 +26,9 @@ public:
     pid_t Pid() const { return process_; }
     /// Sends SIGTERM and waits; the exit code, or 128 + signal. Later calls return the same.
     int Stop();
+    void Signal(int signal) const;
+    /// Waits for the end that a signal of the test brings, and returns the same.
+    int Wait();
     /// What the server wrote to standard error; complete after Stop.
     std::string Log() const;
 
@@ -34,6 +37,7 @@ public:
     /// The most that it has ever been.
     double PeakMegabytes() const;
     std::size_t OpenDescriptors() const;
+    std::size_t Threads() const;
     /// Children that have ended and were not waited for.
     std::size_t Zombies() const;
 
