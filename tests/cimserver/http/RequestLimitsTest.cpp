@@ -11,6 +11,7 @@
 #include <arpa/inet.h>
 #include <atomic>
 #include <chrono>
+#include <memory>
 #include <mutex>
 #include <sys/socket.h>
 #include <thread>
@@ -92,12 +93,34 @@ TEST_F(RequestLimits, AHeadOfTheLimitPassesAndOneByteMoreIsRefused) {
 }
 
 TEST_F(RequestLimits, AHeadThatTheHttpLibraryRefusesIsToldWithoutAStatus) {
-    Server server(settings, &Nothing);
-    CimClient client(server.Port());
+    auto server = std::make_unique<Server>(settings, &Nothing);
+    CimClient client(server->Port());
     client.Send(HeadOf(200'000));
     EXPECT_EQ(client.Receive().status, 431);
-    EXPECT_TRUE(client.IsClosedByServer());
+    server.reset(); // all is told then
     EXPECT_THAT(recorder.Statuses(), ElementsAre(0));
+    EXPECT_THAT(recorder.Limits(), ElementsAre(Limit::headerBytes));
+}
+
+TEST_F(RequestLimits, AHeadThatIsNoneIsToldWithoutAStatusAndIsNoLimit) {
+    auto server = std::make_unique<Server>(settings, &Nothing);
+    CimClient client(server->Port());
+    client.Send("POST / HTTP/1.1\r\nno header\r\n\r\n");
+    EXPECT_EQ(client.Receive().status, 400);
+    EXPECT_TRUE(client.IsClosedByServer());
+    server.reset(); // all is told then
+    EXPECT_THAT(recorder.Statuses(), ElementsAre(0));
+    EXPECT_THAT(recorder.Limits(), IsEmpty());
+}
+
+TEST_F(RequestLimits, TheLargestHeadThatCanBeAllowedPasses) {
+    settings.maxHeaderBytes = 32'768;
+    const Server server(settings, &Nothing);
+    CimClient client(server.Port());
+    client.Send(HeadOf(32'768));
+    EXPECT_EQ(client.Receive().status, 200);
+    client.Send(HeadOf(32'769));
+    EXPECT_EQ(client.Receive().status, 431);
 }
 
 TEST_F(RequestLimits, ABodyAboveTheLimitIsTold) {
@@ -141,16 +164,18 @@ class SlowRequest : public RequestLimits, public testing::WithParamInterface<con
 TEST_P(SlowRequest, GetsStatus408AndIsClosed) {
     settings.requestSeconds = 1;
     std::atomic<int> calls = 0;
-    const Server server(settings, [&](const Request&, Answer&) { ++calls; });
-    CimClient client(server.Port());
+    auto server = std::make_unique<Server>(settings, [&](const Request&, Answer&) { ++calls; });
+    CimClient client(server->Port());
     std::thread drops([&] { Drip(client, GetParam()); });
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(client.Receive().status, 408);
     EXPECT_GT(std::chrono::steady_clock::now() - start, 900ms);
     EXPECT_LT(std::chrono::steady_clock::now() - start, 10s);
     drops.join();
+    server.reset(); // all is told then
     EXPECT_EQ(calls, 0);
     EXPECT_THAT(recorder.Limits(), ElementsAre(Limit::requestTime));
+    EXPECT_THAT(recorder.Statuses(), ElementsAre(408));
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -161,10 +186,11 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST_F(RequestLimits, AConnectionThatSendsNothingEndsAfterTheTimeOfARequest) {
     settings.requestSeconds = 1;
-    const Server server(settings, &Nothing);
-    CimClient client(server.Port());
+    auto server = std::make_unique<Server>(settings, &Nothing);
+    CimClient client(server->Port());
     EXPECT_EQ(client.Receive().status, 408);
     EXPECT_TRUE(client.IsClosedByServer());
+    server.reset(); // all is told then
     EXPECT_THAT(recorder.Limits(), ElementsAre(Limit::requestTime));
 }
 
@@ -180,12 +206,13 @@ TEST_F(RequestLimits, BetweenRequestsTheIdleTimeCounts) {
 
 TEST_F(RequestLimits, TheSecondRequestOfAConnectionIsTimedToo) {
     settings.requestSeconds = 1;
-    const Server server(settings, &Nothing);
-    CimClient client(server.Port());
+    auto server = std::make_unique<Server>(settings, &Nothing);
+    CimClient client(server->Port());
     EXPECT_EQ(client.Request("POST", {}, "").status, 200);
     std::thread drops([&] { Drip(client, "POST /xxx"); });
     EXPECT_EQ(client.Receive().status, 408);
     drops.join();
+    server.reset(); // all is told then
     EXPECT_THAT(recorder.Limits(), ElementsAre(Limit::requestTime));
 }
 
