@@ -11,6 +11,7 @@
 #include <arpa/inet.h>
 #include <atomic>
 #include <chrono>
+#include <condition_variable>
 #include <memory>
 #include <mutex>
 #include <sys/socket.h>
@@ -43,6 +44,7 @@ public:
         const std::lock_guard lock(mutex_);
         statuses_.push_back(status);
         addresses_.push_back(clientAddress);
+        told_.notify_all();
     }
     std::vector<Limit> Limits() {
         const std::lock_guard lock(mutex_);
@@ -52,6 +54,12 @@ public:
         const std::lock_guard lock(mutex_);
         return statuses_;
     }
+    /// Once there is one; what belongs to it is told before.
+    std::vector<int> WaitForStatuses() {
+        std::unique_lock lock(mutex_);
+        told_.wait_for(lock, 30s, [this] { return !statuses_.empty(); });
+        return statuses_;
+    }
     std::vector<std::string> Addresses() {
         const std::lock_guard lock(mutex_);
         return addresses_;
@@ -59,6 +67,7 @@ public:
 
 private:
     std::mutex mutex_;
+    std::condition_variable told_;
     std::vector<Limit> limits_;
     std::vector<int> statuses_;
     std::vector<std::string> addresses_;
@@ -93,23 +102,21 @@ TEST_F(RequestLimits, AHeadOfTheLimitPassesAndOneByteMoreIsRefused) {
 }
 
 TEST_F(RequestLimits, AHeadThatTheHttpLibraryRefusesIsToldWithoutAStatus) {
-    auto server = std::make_unique<Server>(settings, &Nothing);
-    CimClient client(server->Port());
+    const Server server(settings, &Nothing);
+    CimClient client(server.Port());
     client.Send(HeadOf(200'000));
     EXPECT_EQ(client.Receive().status, 431);
-    server.reset(); // all is told then
-    EXPECT_THAT(recorder.Statuses(), ElementsAre(0));
+    EXPECT_THAT(recorder.WaitForStatuses(), ElementsAre(0));
     EXPECT_THAT(recorder.Limits(), ElementsAre(Limit::headerBytes));
 }
 
 TEST_F(RequestLimits, AHeadThatIsNoneIsToldWithoutAStatusAndIsNoLimit) {
-    auto server = std::make_unique<Server>(settings, &Nothing);
-    CimClient client(server->Port());
+    const Server server(settings, &Nothing);
+    CimClient client(server.Port());
     client.Send("POST / HTTP/1.1\r\nno header\r\n\r\n");
     EXPECT_EQ(client.Receive().status, 400);
     EXPECT_TRUE(client.IsClosedByServer());
-    server.reset(); // all is told then
-    EXPECT_THAT(recorder.Statuses(), ElementsAre(0));
+    EXPECT_THAT(recorder.WaitForStatuses(), ElementsAre(0));
     EXPECT_THAT(recorder.Limits(), IsEmpty());
 }
 
