@@ -60,7 +60,7 @@ void OverrideAddresses(const std::vector<PassedSocket>& sockets, Configuration& 
         if (!IsPlain(socket, sockets.size())) {
             Refuse(socket, "has a name that says nothing to this server; expected http");
         }
-        addresses += (addresses.empty() ? "" : " ") + AddressOf(socket);
+        addresses.append(addresses.empty() ? "" : " ").append(AddressOf(socket));
     }
     if (!sockets.empty()) {
         configuration.Override(items::addresses, addresses, origin);
