@@ -26,7 +26,10 @@ std::vector<http::Header> AsHeaders(const cimxml::HeaderList& list) {
 
 class AnswerOutput final : public cimxml::Output {
 public:
-    explicit AnswerOutput(http::Answer& answer) : answer_(answer) {}
+    /// All must be there as long as the answer is made. Whoever limits its time lifts the limit
+    /// before this goes.
+    AnswerOutput(http::Answer& answer, const http::Request& request, const Log& log)
+        : answer_(answer), request_(request), log_(log) {}
     void Head(const cimxml::Status& status) override {
         answer_.SetHead({status.httpStatus, AsHeaders(status.headers), status.trailerNames});
     }
@@ -37,8 +40,10 @@ public:
         answer_.SetTrailers(AsHeaders(trailers));
     }
     void LimitTime(cimxml::MakeLateAnswer late) override {
-        answer_.LimitTime([late = std::move(late)](std::chrono::milliseconds limit) {
+        answer_.LimitTime([late = std::move(late), this](std::chrono::milliseconds limit) {
             cimxml::LateAnswer made = late(limit);
+            const std::string line = made.reason + ", client " + request_.clientAddress;
+            log_.Logger()->logError(line.c_str());
             return http::LateAnswer{std::move(made.text), AsHeaders(made.trailers)};
         });
     }
@@ -46,6 +51,8 @@ public:
 
 private:
     http::Answer& answer_;
+    const http::Request& request_;
+    const Log& log_;
 };
 
 host::Settings HostSettings(const Settings& settings, const Configuration& configuration,
@@ -247,7 +254,7 @@ void Server::AnswerRequest(const http::Request& request, http::Answer& answer) {
     message.body = request.body;
     message.user = request.user;
     message.mayChange = MayChange(request.user);
-    AnswerOutput output(answer);
+    AnswerOutput output(answer, request, log_);
     cimxml::Outcome outcome;
     try {
         outcome = cimxml::Answer(message, *operations_, output, xmlLimits_);

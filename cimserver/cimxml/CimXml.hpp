@@ -39,6 +39,7 @@ struct Status {
 struct LateAnswer {
     std::string text;
     HeaderList trailers;
+    std::string reason; ///< for the log: the call and its time, nothing that is secret
 };
 using MakeLateAnswer = std::function<LateAnswer(std::chrono::milliseconds limit)>;
 

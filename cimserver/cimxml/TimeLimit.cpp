@@ -26,17 +26,17 @@ private:
     std::string text_;
 };
 
-OpenWBEM::CIMException Error(const std::string& what, std::chrono::milliseconds limit) {
+std::string Reason(const std::string& what, std::chrono::milliseconds limit) {
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(limit).count();
-    const std::string text =
-        what + " has been running for " + std::to_string(seconds) + " s; it is left to finish";
-    return {__FILE__, __LINE__, OpenWBEM::CIMException::FAILED, text.c_str()};
+    return what + " has been running for " + std::to_string(seconds) + " s; it is left to finish";
 }
 
-LateAnswer Late(const AnswerTo& request, const OpenWBEM::CIMException& error) {
+LateAnswer Late(const AnswerTo& request, const std::string& reason) {
+    const OpenWBEM::CIMException error(__FILE__, __LINE__, OpenWBEM::CIMException::FAILED,
+                                       reason.c_str());
     Text text;
     AnswerWriter(text, request).Fail(error);
-    return {text.Whole(), TrailersOf(error)};
+    return {text.Whole(), TrailersOf(error), reason};
 }
 
 } // namespace
@@ -47,7 +47,7 @@ TimeLimit::TimeLimit(Output& output, std::shared_ptr<const AnswerTo> request)
 
 void TimeLimit::Entered(const std::string& what) {
     output_.LimitTime([request = request_, what](std::chrono::milliseconds limit) {
-        return Late(*request, Error(what, limit));
+        return Late(*request, Reason(what, limit));
     });
 }
 

@@ -66,7 +66,8 @@ public:
     virtual void SetTrailers(std::vector<Header> trailers) = 0;
     /// From now on the handler has Settings::callTime. When that is over, the client gets the head
     /// as it is with what `late` makes, on another thread; the handler goes on, and nothing of what
-    /// it does to the answer counts any more. A further call begins anew.
+    /// it does to the answer counts any more. A further call begins anew. `late` is not
+    /// called any more once LiftLimit has returned.
     virtual void LimitTime(MakeLateAnswer late) = 0;
     /// The handler may take any time again.
     virtual void LiftLimit() = 0;

@@ -1,6 +1,8 @@
 // A tool that hangs: what its caller and those behind it are told, and how it ends.
 #include "e2e/Robust.hpp"
 
+#include "support/ComesTrue.hpp"
+
 #include <gmock/gmock.h>
 
 #include <csignal>
@@ -43,6 +45,27 @@ TEST_F(HangingTool, IsToldToItsCallerAndToOthersUntilItIsKilled) {
     tool_.Plays("", ToolAnswer().Output(e2e::Line("two")));
     ASSERT_EQ(kill(tools.front(), SIGTERM), 0);
     EXPECT_THAT(EnumerateInventory(), HasSubstr("<VALUE>two</VALUE>"));
+}
+
+TEST_F(HangingTool, IsInTheLogWhenItsCallerIsTold) {
+    EXPECT_THAT(EnumerateInventory(), HasSubstr("has been running"));
+    EXPECT_THAT(
+        Server().Log(),
+        HasSubstr(" ERROR ow.owcimomd.CIMServer: EnumerateInstances of ZNX_SoftwareIdentity "
+                  "has been running for 1 s; it is left to finish, client 127.0.0.1\n"));
+    tool_.Release("");
+}
+
+TEST_F(HangingTool, LeavesNothingBehind) {
+    const std::size_t threads = Server().Threads();
+    const std::size_t descriptors = Server().OpenDescriptors();
+    EXPECT_THAT(EnumerateInventory(), HasSubstr("has been running"));
+    tool_.Release("");
+    EXPECT_TRUE(test_support::ComesTrue([&] {
+        return Server().Threads() <= threads && Server().OpenDescriptors() <= descriptors &&
+               Server().Zombies() == 0;
+    })) << Server().Threads()
+        << " threads, " << Server().OpenDescriptors() << " descriptors";
 }
 
 TEST_F(HangingTool, ThatGoesOnAfterAllServesTheNextCaller) {

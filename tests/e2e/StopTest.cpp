@@ -13,7 +13,6 @@
 namespace {
 
 using test_support::ToolAnswer;
-using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
 

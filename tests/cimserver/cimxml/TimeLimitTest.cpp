@@ -50,6 +50,8 @@ TEST(TimeLimit, TheLateAnswerIsAnErrorToTheSameRequest) {
     EXPECT_THAT(test_support::DtdProblems(late.text), testing::IsEmpty());
     EXPECT_EQ(late.trailers,
               (HeaderList{{"CIMStatusCode", "1"}, {"CIMStatusCodeDescription", reason}}));
+    EXPECT_EQ(late.reason,
+              "EnumerateClassNames of ZNX_A has been running for 300 s; it is left to finish");
 }
 
 TEST(TimeLimit, AMethodCallsToo) {

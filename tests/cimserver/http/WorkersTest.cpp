@@ -30,7 +30,7 @@ std::size_t Threads() {
 std::thread::id ThreadOfATask(Workers& workers) {
     std::promise<std::thread::id> id;
     workers.Run([&id] { id.set_value(std::this_thread::get_id()); });
-    const auto found = id.get_future().get();
+    auto found = id.get_future().get();
     EXPECT_TRUE(workers.WaitUntilIdle(Soon()));
     return found;
 }
