@@ -124,5 +124,14 @@ TEST_F(WithUsers, AFaultyPasswordFileLeavesTheOldUsers) {
     EXPECT_THAT(log, HasSubstr("group or others have access to these passwords"));
 }
 
+TEST_F(WithUsers, UsersStayUntilTheNextStartWhenTheirFileIsNoLongerNamed) {
+    std::ofstream(directory / "my.conf") << "owcimomd.allow_anonymous = true\n";
+    HangUp();
+    EXPECT_EQ(client->Request("POST", {}, "").status, 401);
+    EXPECT_THAT(Read(secret).body, HasSubstr("INSTANCENAME"));
+    EXPECT_THAT(LogAtEnd(), HasSubstr("simple_auth.password_file has come or gone, which counts "
+                                      "from the next start on"));
+}
+
 } // namespace
 } // namespace programtest
