@@ -64,12 +64,14 @@ void Declare(CLI::App& app, Options& options) {
         ->type_name("LEVEL");
     app.add_flag("--check-config", options.checksConfiguration,
                  "tell every mistake and every unknown item of the configuration, and end");
-    app.footer("Stays in the foreground, logs to standard error, stops on SIGTERM or SIGINT.\n"
-               "Every option has a configuration item; the command line wins.\n"
-               "cimserver passwd and cimserver certificate make what logging in and TLS need; each "
-               "has --help.\n\n"
-               "Configuration items, with their defaults:\n" +
-               ItemList());
+    app.footer(
+        "Stays in the foreground, logs to standard error or a file, stops on SIGTERM or SIGINT,\n"
+        "reads its configuration again on SIGHUP.\n"
+        "Every option has a configuration item; the command line wins.\n"
+        "cimserver passwd and cimserver certificate make what logging in and TLS need; each has "
+        "--help.\n\n"
+        "Configuration items, with their defaults:\n" +
+        ItemList());
 }
 
 std::string Joined(const std::vector<std::string>& parts, const char* option) {

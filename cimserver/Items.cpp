@@ -50,7 +50,7 @@ void ReadNameSpace(const ItemValue& value, Settings& settings) {
     std::string name;
     for (const auto& part : std::filesystem::path(value.Text())) {
         if (!part.empty() && part != "/") {
-            name += name.empty() ? part.string() : "/" + part.string();
+            name.append(name.empty() ? "" : "/").append(part.string());
         }
     }
     if (name.empty()) {

@@ -78,7 +78,7 @@ void OverrideAddresses(const std::vector<PassedSocket>& sockets, Configuration& 
             Refuse(socket, "has a name that says nothing to this server; expected http or https");
         }
         std::string& addresses = IsTls(socket) ? tls : plain;
-        addresses += (addresses.empty() ? "" : " ") + AddressOf(socket);
+        addresses.append(addresses.empty() ? "" : " ").append(AddressOf(socket));
     }
     if (!sockets.empty()) {
         configuration.Override(items::addresses, plain, origin);

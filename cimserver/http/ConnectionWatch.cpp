@@ -15,6 +15,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
+constexpr int requestTimeout = 408;
+
 /// Acknowledged and in order, whether read or not; 0 when it is no TCP connection.
 std::uint64_t BytesReceived(int socket) {
     tcp_info info{};
@@ -127,6 +129,14 @@ bool ConnectionWatch::RequestIsWhole(Connection& connection) {
     return true;
 }
 
+std::optional<std::uint64_t> ConnectionWatch::BytesOfRequest(const Connection& connection) {
+    const std::lock_guard lock(mutex_);
+    if (connection.phase == Connection::Phase::expired) {
+        return std::nullopt;
+    }
+    return BytesReceived(connection.socket) - connection.bytes;
+}
+
 void ConnectionWatch::RequestEnds(Connection& connection) {
     const std::lock_guard lock(mutex_);
     if (connection.phase == Connection::Phase::answering) {
@@ -158,6 +168,7 @@ void ConnectionWatch::ExpireOverdue(std::unique_lock<std::mutex>& lock) {
     for (const std::string& address : addresses) {
         if (observer_ != nullptr) {
             observer_->Reached(Limit::requestTime, address);
+            observer_->Refused(requestTimeout, address);
         }
     }
     lock.lock();

@@ -13,6 +13,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 
@@ -61,6 +62,9 @@ public:
     /// The request is there, or an answer is being sent without the rest. False when its time was
     /// over before: then it gets no answer any more.
     bool RequestIsWhole(Connection& connection);
+    /// What has come since the last answer was sent, read or not; nothing when the time was over,
+    /// which the observer knows already.
+    std::optional<std::uint64_t> BytesOfRequest(const Connection& connection);
     /// The answer is sent.
     void RequestEnds(Connection& connection);
 

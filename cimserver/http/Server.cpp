@@ -140,6 +140,7 @@ struct Server::Daemon {
     void Start(int socket);
     MHD_Result Refuse(MHD_Connection* connection, int status, const Exchange& exchange) const;
     void TellOfLimit(Limit limit, const Exchange& exchange) const;
+    void TellOfRefusedHead(const ConnectionWatch::Connection& connection) const;
     MHD_Result TakeHead(MHD_Connection* connection, const char* method, const char* version,
                         Exchange& exchange);
     MHD_Result TakeBody(Exchange& exchange, const char* data, std::size_t& size) const;
@@ -242,15 +243,27 @@ void Server::Daemon::End(void* self, MHD_Connection* connection, void** state,
     const Daemon& daemon = *static_cast<const Daemon*>(self);
     const std::unique_ptr<Exchange> exchange(static_cast<Exchange*>(*state));
     *state = nullptr;
+    auto* watched = Watched(connection);
+    if (watched == nullptr) {
+        return;
+    }
     const bool hasAnswer = reason == MHD_REQUEST_TERMINATED_COMPLETED_OK ||
                            reason == MHD_REQUEST_TERMINATED_WITH_ERROR;
-    if (exchange != nullptr && !exchange->begun && hasAnswer &&
-        daemon.settings.observer != nullptr) {
-        daemon.settings.observer->Refused(0, ClientAddress(connection));
+    if (exchange != nullptr && !exchange->begun && hasAnswer) {
+        daemon.TellOfRefusedHead(*watched);
     }
-    if (auto* watched = Watched(connection)) {
-        daemon.watch->RequestEnds(*watched);
+    daemon.watch->RequestEnds(*watched);
+}
+
+void Server::Daemon::TellOfRefusedHead(const ConnectionWatch::Connection& connection) const {
+    const auto bytes = watch->BytesOfRequest(connection);
+    if (settings.observer == nullptr || !bytes) {
+        return;
     }
+    if (*bytes > settings.maxHeaderBytes) {
+        settings.observer->Reached(Limit::headerBytes, connection.address);
+    }
+    settings.observer->Refused(0, connection.address);
 }
 
 MHD_Result Server::Daemon::Receive(void* self, MHD_Connection* connection, const char* /*url*/,

@@ -275,7 +275,7 @@ TEST(RequestLine, CanBeSwitchedOffAndOn) {
 
 class Limits : public testing::Test {
 protected:
-    std::vector<std::string> LinesAt(std::vector<std::pair<const char*, int>> events) {
+    std::vector<std::string> LinesAt(const std::vector<std::pair<const char*, int>>& events) {
         return Lines(Written([&] {
             cimserver::LimitLog limits(Logger(OpenWBEM::E_ERROR_LEVEL));
             for (const auto& [item, milliseconds] : events) {

@@ -66,6 +66,7 @@ Section HttpRows() {
              good.Adding("Transfer-Encoding", "chunked"), Status(400)},
             {"`Transfer-Encoding: chunked` in HTTP/1.0", Chunked("HTTP/1.0", "0\r\n\r\n"),
              Status(400)},
+            {"headers of more than 8 KiB", good.Adding("X", std::string(9'000, 'x')), Status(431)},
             {"neither `Content-Length` nor `Transfer-Encoding`", good.Without("Content-Length"),
              Status(411)},
             {"a `Content-Length` of more than 1 MiB", good.With("Content-Length", "1048577"),

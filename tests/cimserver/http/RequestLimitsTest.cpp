@@ -11,6 +11,8 @@
 #include <arpa/inet.h>
 #include <atomic>
 #include <chrono>
+#include <condition_variable>
+#include <memory>
 #include <mutex>
 #include <sys/socket.h>
 #include <thread>
@@ -42,6 +44,7 @@ public:
         const std::lock_guard lock(mutex_);
         statuses_.push_back(status);
         addresses_.push_back(clientAddress);
+        told_.notify_all();
     }
     std::vector<Limit> Limits() {
         const std::lock_guard lock(mutex_);
@@ -51,6 +54,12 @@ public:
         const std::lock_guard lock(mutex_);
         return statuses_;
     }
+    /// Once there is one; what belongs to it is told before.
+    std::vector<int> WaitForStatuses() {
+        std::unique_lock lock(mutex_);
+        told_.wait_for(lock, 30s, [this] { return !statuses_.empty(); });
+        return statuses_;
+    }
     std::vector<std::string> Addresses() {
         const std::lock_guard lock(mutex_);
         return addresses_;
@@ -58,6 +67,7 @@ public:
 
 private:
     std::mutex mutex_;
+    std::condition_variable told_;
     std::vector<Limit> limits_;
     std::vector<int> statuses_;
     std::vector<std::string> addresses_;
@@ -92,12 +102,32 @@ TEST_F(RequestLimits, AHeadOfTheLimitPassesAndOneByteMoreIsRefused) {
 }
 
 TEST_F(RequestLimits, AHeadThatTheHttpLibraryRefusesIsToldWithoutAStatus) {
-    Server server(settings, &Nothing);
+    const Server server(settings, &Nothing);
     CimClient client(server.Port());
     client.Send(HeadOf(200'000));
     EXPECT_EQ(client.Receive().status, 431);
+    EXPECT_THAT(recorder.WaitForStatuses(), ElementsAre(0));
+    EXPECT_THAT(recorder.Limits(), ElementsAre(Limit::headerBytes));
+}
+
+TEST_F(RequestLimits, AHeadThatIsNoneIsToldWithoutAStatusAndIsNoLimit) {
+    const Server server(settings, &Nothing);
+    CimClient client(server.Port());
+    client.Send("POST / HTTP/1.1\r\nno header\r\n\r\n");
+    EXPECT_EQ(client.Receive().status, 400);
     EXPECT_TRUE(client.IsClosedByServer());
-    EXPECT_THAT(recorder.Statuses(), ElementsAre(0));
+    EXPECT_THAT(recorder.WaitForStatuses(), ElementsAre(0));
+    EXPECT_THAT(recorder.Limits(), IsEmpty());
+}
+
+TEST_F(RequestLimits, TheLargestHeadThatCanBeAllowedPasses) {
+    settings.maxHeaderBytes = 32'768;
+    const Server server(settings, &Nothing);
+    CimClient client(server.Port());
+    client.Send(HeadOf(32'768));
+    EXPECT_EQ(client.Receive().status, 200);
+    client.Send(HeadOf(32'769));
+    EXPECT_EQ(client.Receive().status, 431);
 }
 
 TEST_F(RequestLimits, ABodyAboveTheLimitIsTold) {
@@ -141,16 +171,18 @@ class SlowRequest : public RequestLimits, public testing::WithParamInterface<con
 TEST_P(SlowRequest, GetsStatus408AndIsClosed) {
     settings.requestSeconds = 1;
     std::atomic<int> calls = 0;
-    const Server server(settings, [&](const Request&, Answer&) { ++calls; });
-    CimClient client(server.Port());
+    auto server = std::make_unique<Server>(settings, [&](const Request&, Answer&) { ++calls; });
+    CimClient client(server->Port());
     std::thread drops([&] { Drip(client, GetParam()); });
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(client.Receive().status, 408);
     EXPECT_GT(std::chrono::steady_clock::now() - start, 900ms);
     EXPECT_LT(std::chrono::steady_clock::now() - start, 10s);
     drops.join();
+    server.reset(); // all is told then
     EXPECT_EQ(calls, 0);
     EXPECT_THAT(recorder.Limits(), ElementsAre(Limit::requestTime));
+    EXPECT_THAT(recorder.Statuses(), ElementsAre(408));
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -161,10 +193,11 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST_F(RequestLimits, AConnectionThatSendsNothingEndsAfterTheTimeOfARequest) {
     settings.requestSeconds = 1;
-    const Server server(settings, &Nothing);
-    CimClient client(server.Port());
+    auto server = std::make_unique<Server>(settings, &Nothing);
+    CimClient client(server->Port());
     EXPECT_EQ(client.Receive().status, 408);
     EXPECT_TRUE(client.IsClosedByServer());
+    server.reset(); // all is told then
     EXPECT_THAT(recorder.Limits(), ElementsAre(Limit::requestTime));
 }
 
@@ -180,12 +213,13 @@ TEST_F(RequestLimits, BetweenRequestsTheIdleTimeCounts) {
 
 TEST_F(RequestLimits, TheSecondRequestOfAConnectionIsTimedToo) {
     settings.requestSeconds = 1;
-    const Server server(settings, &Nothing);
-    CimClient client(server.Port());
+    auto server = std::make_unique<Server>(settings, &Nothing);
+    CimClient client(server->Port());
     EXPECT_EQ(client.Request("POST", {}, "").status, 200);
     std::thread drops([&] { Drip(client, "POST /xxx"); });
     EXPECT_EQ(client.Receive().status, 408);
     drops.join();
+    server.reset(); // all is told then
     EXPECT_THAT(recorder.Limits(), ElementsAre(Limit::requestTime));
 }
 

@@ -82,7 +82,7 @@ std::string Running::WaitFor(const std::string& text, bool atBegin) {
         std::size_t begin = 0;
         for (auto end = error_.find('\n'); end != std::string::npos;
              begin = end + 1, end = error_.find('\n', begin)) {
-            const auto line = error_.substr(begin, end - begin);
+            auto line = error_.substr(begin, end - begin);
             const auto at = line.find(text);
             if (at == 0 || (at != std::string::npos && !atBegin)) {
                 return line;
