@@ -207,10 +207,13 @@ std::vector<std::string> Server::ReloadCredentials(const AccessSettings& access)
             faults.emplace_back(error.what());
         }
     };
-    if (users_ != nullptr) {
+    if ((users_ != nullptr) != access.HasUsers()) {
+        faults.push_back(std::string(items::passwordFile) +
+                         " has come or gone, which counts from the next start on");
+    } else if (users_ != nullptr) {
         attempt([&] { users_->Reload({access.passwordFile, access.allowedUsers}); });
     }
-    if (certificate_ != nullptr) {
+    if (certificate_ != nullptr && access.tlsPort) {
         attempt([&] { certificate_->Reload({access.certificate, access.KeyFile()}); });
     }
     const std::lock_guard lock(writersMutex_);

@@ -34,7 +34,8 @@ public:
     /// Takes users, allowed users, certificate and writers anew, for the requests and connections
     /// that come from now on; what was remembered of passwords is forgotten, and no connection
     /// ends. Returns why not, a sentence each for users and certificate; these stay as they were.
-    /// Where there were no users or no TLS at the start, there are none after this.
+    /// Where there were no users or no TLS at the start there are none after this, and where there
+    /// were they stay.
     std::vector<std::string> ReloadCredentials(const AccessSettings& access);
 
     /// Takes no more connections and requests, and waits for the calls that run and for their

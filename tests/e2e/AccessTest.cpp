@@ -77,7 +77,8 @@ TEST_F(Access, AUserReadsWithoutTlsOnLoopback) {
 }
 
 TEST_F(Access, WhoeverIsNoUserIsRefusedAndLogged) {
-    for (const std::string who : {"", "rita:wrongword@", "nobody:reading@"}) {
+    EXPECT_THAT(WithTls("", "ein", identity).text, HasSubstr("Username/password required"));
+    for (const std::string who : {"rita:wrongword@", "nobody:reading@"}) {
         const auto run = WithTls(who, "ein", identity);
         EXPECT_NE(run.exitCode, 0) << who;
         EXPECT_THAT(run.text, HasSubstr("Invalid username/password")) << who;

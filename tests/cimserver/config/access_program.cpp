@@ -124,5 +124,36 @@ TEST_F(WithUsers, AFaultyPasswordFileLeavesTheOldUsers) {
     EXPECT_THAT(log, HasSubstr("group or others have access to these passwords"));
 }
 
+TEST_F(WithUsers, UsersStayUntilTheNextStartWhenTheirFileIsNoLongerNamed) {
+    std::ofstream(directory / "my.conf") << "owcimomd.allow_anonymous = true\n";
+    HangUp();
+    EXPECT_EQ(client->Request("POST", {}, "").status, 401);
+    EXPECT_THAT(Read(secret).body, HasSubstr("INSTANCENAME"));
+    EXPECT_THAT(LogAtEnd(), HasSubstr("simple_auth.password_file has come or gone, which counts "
+                                      "from the next start on"));
+}
+
+TEST(AnonymousClients, ComeInOnLoopbackOnlyWhileUsersComeInEverywhere) {
+    std::string directory = (std::filesystem::temp_directory_path() / "users.XXXXXX").string();
+    ASSERT_NE(mkdtemp(directory.data()), nullptr);
+    SetPassword(directory + "/passwords", "anna", HashOf("secret", 1));
+    std::ofstream(directory + "/my.conf")
+        << "simple_auth.password_file = " << directory << "/passwords\n"
+        << "owcimomd.allow_anonymous = true\ncimserver.plain_from_anywhere = true\n"
+        << "http_server.listen_addresses = 127.0.0.1 0.0.0.0\nhttp_server.http_port = 0\n";
+    Running server({"--mof", TEST_DATA_DIRECTORY "/program/test.mof", "--provider-dir",
+                    PROGRAM_TEST_PROVIDERS, "--config", directory + "/my.conf"});
+    const std::string everywhere = server.WaitForLine("Listening on http://0.0.0.0:");
+    const auto status = [](const std::string& line, const test_support::HeaderList& headers) {
+        const auto port = static_cast<std::uint16_t>(std::stoi(line.substr(line.rfind(':') + 1)));
+        return CimClient(port).Request("GET", headers, "").status;
+    };
+    const std::string here = server.WaitForLine("Listening on http://127.0.0.1:");
+    EXPECT_NE(status(here, {}), 401);
+    EXPECT_EQ(status(everywhere, {}), 401);
+    EXPECT_NE(status(everywhere, {{"Authorization", secret}}), 401);
+    std::filesystem::remove_all(directory);
+}
+
 } // namespace
 } // namespace programtest

@@ -216,7 +216,7 @@ TEST_F(Program, EachRequestHasALineWithoutAnythingSecret) {
 }
 
 TEST_F(Program, LinesOfRequestsCanBeSwitchedOff) {
-    Running server(Serving({"--config", ConfigFile("cimserver.request_log = false\n")}));
+    Running server(Serving({"--config", OpenConfigFile("cimserver.request_log = false\n")}));
     Names(server.WaitForPort());
     server.Signal(SIGTERM);
     EXPECT_EQ(server.Wait(), 0);
@@ -224,11 +224,11 @@ TEST_F(Program, LinesOfRequestsCanBeSwitchedOff) {
 }
 
 TEST_F(Program, LimitsOfTheConfigurationCount) {
-    Running server(Serving({"--config", ConfigFile("cimserver.max_body_bytes = 2000\n"
-                                                   "cimserver.max_header_bytes = 1000\n"
-                                                   "cimserver.max_xml_depth = 16\n"
-                                                   "cimserver.max_connections_per_address = 3\n"
-                                                   "cimserver.request_seconds = 1\n")}));
+    Running server(Serving({"--config", OpenConfigFile("cimserver.max_body_bytes = 2000\n"
+                                                       "cimserver.max_header_bytes = 1000\n"
+                                                       "cimserver.max_xml_depth = 16\n"
+                                                       "cimserver.max_connections_per_address = 3\n"
+                                                       "cimserver.request_seconds = 1\n")}));
     const auto port = server.WaitForPort();
     std::string nested;
     for (int i = 0; i < 17; ++i) {
@@ -249,8 +249,9 @@ TEST_F(Program, LimitsOfTheConfigurationCount) {
 
 TEST_F(Program, LogCanBeAFile) {
     const auto file = directory / "cimserver.log";
-    Running server(Serving({"--config", ConfigFile("log.main.type = file\nlog.main.location = " +
-                                                   file.string() + "\n")}));
+    Running server(Serving(
+        {"--config",
+         OpenConfigFile("log.main.type = file\nlog.main.location = " + file.string() + "\n")}));
     Names(server.WaitForPort());
     server.Signal(SIGTERM);
     EXPECT_EQ(server.Wait(), 0);
@@ -261,9 +262,10 @@ TEST_F(Program, LogCanBeAFile) {
 }
 
 TEST_F(Program, LogThatCannotBeWrittenIsAStartError) {
-    EXPECT_THAT(StartError(Serving({"--config", ConfigFile("log.main.type = file\n"
-                                                           "log.main.location = /absent/x\n")})),
-                HasSubstr("Cannot write the log /absent/x: No such file or directory"));
+    EXPECT_THAT(
+        StartError(Serving({"--config", OpenConfigFile("log.main.type = file\n"
+                                                       "log.main.location = /absent/x\n")})),
+        HasSubstr("Cannot write the log /absent/x: No such file or directory"));
 }
 
 TEST_F(Program, WhatAProviderPrintsGoesToTheLogAtOnce) {
