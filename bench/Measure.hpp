@@ -13,4 +13,7 @@ std::vector<Row> MeasureInventory();
 /// The server: large answers, many clients, small calls.
 std::vector<Row> MeasureServer();
 
+/// The server that others reach: many clients for a minute, TLS, a flood of connections.
+std::vector<Row> MeasureExposure();
+
 } // namespace bench

@@ -24,8 +24,10 @@ int main(int argc, char** argv) {
     try {
         std::vector<bench::Row> rows = bench::MeasureInventory();
         benchmark::ClearRegisteredBenchmarks();
-        const std::vector<bench::Row> more = bench::MeasureServer();
-        rows.insert(rows.end(), more.begin(), more.end());
+        for (const auto measure : {bench::MeasureServer, bench::MeasureExposure}) {
+            const std::vector<bench::Row> more = measure();
+            rows.insert(rows.end(), more.begin(), more.end());
+        }
         return bench::Tell(rows, argv[1]) ? 0 : 1;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "bench: %s\n", error.what());
