@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <cstdint>
 #include <cstdlib>
@@ -227,7 +228,6 @@ TEST_F(Program, LimitsOfTheConfigurationCount) {
     Running server(Serving({"--config", OpenConfigFile("cimserver.max_body_bytes = 2000\n"
                                                        "cimserver.max_header_bytes = 1000\n"
                                                        "cimserver.max_xml_depth = 16\n"
-                                                       "cimserver.max_connections_per_address = 3\n"
                                                        "cimserver.request_seconds = 1\n")}));
     const auto port = server.WaitForPort();
     std::string nested;
@@ -238,13 +238,33 @@ TEST_F(Program, LimitsOfTheConfigurationCount) {
     EXPECT_EQ(test_support::CimClient(port).Post(std::string(2001, 'x')).status, 413);
     test_support::CimClient head(port);
     EXPECT_EQ(head.Request("POST", {{"X-Big", std::string(1000, 'x')}}, "").status, 431);
+    const auto start = std::chrono::steady_clock::now();
     test_support::CimClient silent(port);
     EXPECT_EQ(silent.Receive().status, 408);
+    // Without the item it would be 30.
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(15));
     for (const char* item : {"cimserver.max_body_bytes", "cimserver.max_header_bytes",
                              "cimserver.max_xml_depth", "cimserver.request_seconds"}) {
         EXPECT_THAT(server.WaitForText(std::string("Limit reached: ") + item),
                     HasSubstr(", client 127.0.0.1"));
     }
+}
+
+TEST_F(Program, ConnectionsAreLimitedByTheConfiguration) {
+    Running server(
+        Serving({"--config", OpenConfigFile("cimserver.max_connections_per_address = 1\n")}));
+    const auto port = server.WaitForPort();
+    test_support::CimClient held(port);
+    EXPECT_EQ(held.Request("GET", {}, "").status, 405);
+    EXPECT_TRUE(test_support::CimClient(port).IsClosedByServer());
+    EXPECT_THAT(server.WaitForText("Limit reached: cimserver.max_connections_per_address"),
+                HasSubstr(", client 127.0.0.1"));
+    Running other(Serving({"--config", OpenConfigFile("http_server.max_connections = 1\n")}));
+    const auto otherPort = other.WaitForPort();
+    test_support::CimClient alsoHeld(otherPort);
+    EXPECT_EQ(alsoHeld.Request("GET", {}, "").status, 405);
+    EXPECT_TRUE(test_support::CimClient(otherPort).IsClosedByServer());
+    other.WaitForText("Limit reached: http_server.max_connections, client 127.0.0.1");
 }
 
 TEST_F(Program, LogCanBeAFile) {
