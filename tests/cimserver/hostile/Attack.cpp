@@ -90,9 +90,7 @@ Attack::~Attack() {
 }
 
 void Attack::Calm() {
-    // The good client's next question can come before the thread that answered the last is ready
-    // for it; then there are two.
-    EXPECT_TRUE(test_support::ComesTrue([this] { return server_.Threads() <= threads_ + 1; }))
+    EXPECT_TRUE(test_support::ComesTrue([this] { return server_.Threads() <= threads_; }))
         << server_.Threads() << " threads in place of " << threads_;
     EXPECT_TRUE(test_support::ComesTrue([this] {
         return server_.OpenDescriptors() <= descriptors_;
