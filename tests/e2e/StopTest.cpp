@@ -42,8 +42,9 @@ protected:
 
 TEST_F(Stop, TakesNobodyMoreAndFinishesTheRunningCall) {
     StartServer();
-    auto answer = Running();
     test_support::CimClient idle(Server().Port());
+    EXPECT_EQ(idle.Post(test_support::IntrinsicCall("EnumerateClassNames", "")).status, 200);
+    auto answer = Running();
     Server().Signal(SIGTERM);
     WaitUntilItStops();
     EXPECT_EQ(idle.Post(e2e::EnumerationOf("ZNX_SoftwareIdentity")).status, 503);

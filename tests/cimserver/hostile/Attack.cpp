@@ -103,10 +103,12 @@ void Attack::Suffer(const std::function<void()>& attack) {
     attack();
     const unsigned during = good_.Answers() - before;
     EXPECT_GT(during, 0U);
+    Calm();
     const double memory = server_.ResidentMegabytes();
     attack();
     Calm();
-    EXPECT_LT(server_.ResidentMegabytes(), memory + 4);
+    // The C library keeps a heap for every few threads, and these do not fill alike.
+    EXPECT_LT(server_.ResidentMegabytes(), memory + 8);
 }
 
 } // namespace hostile
