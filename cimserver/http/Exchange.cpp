@@ -110,17 +110,19 @@ bool AnswerInTransit::IsGivenUp() const {
 }
 
 void AnswerInTransit::MakeWith(const Handler& handler, const Request& request) noexcept {
-    bool isMade = false;
     try {
         handler(request, *this);
-        isMade = true;
+        isMade_ = true;
     } catch (...) {
         constexpr int internalServerError = 500;
         Clear();
         SetHead({internalServerError, {}, {}});
     }
     LiftLimit();
-    hasLeft_ && !isMade ? queue_.Break() : queue_.Finish();
+}
+
+void AnswerInTransit::End() noexcept {
+    hasLeft_ && !isMade_ ? queue_.Break() : queue_.Finish();
     BecomeReady(false);
 }
 
@@ -200,7 +202,8 @@ std::shared_ptr<AnswerInTransit> Exchange::Make(const Handler& handler, bool can
                                                 const Settings& settings, Workers& workers) {
     answer_ =
         std::make_shared<AnswerInTransit>(canStream, settings.spoolDirectory, settings.callTime);
-    workers.Run([answer = answer_, asked = kept_, &handler] { answer->MakeWith(handler, *asked); });
+    workers.Run([answer = answer_, asked = kept_, &handler] { answer->MakeWith(handler, *asked); },
+                [answer = answer_] { answer->End(); });
     if (!answer_->WaitUntilReady()) {
         answer_ = answer_->InItsPlace();
     }

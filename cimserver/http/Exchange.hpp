@@ -38,8 +38,9 @@ public:
     void LimitTime(MakeLateAnswer late) override;
     void LiftLimit() override;
     bool IsGivenUp() const override;
-    /// Calls the handler and ends the answer, whatever the handler does.
+    /// Calls the handler. End has to follow, whatever the handler does.
     void MakeWith(const Handler& handler, const Request& request) noexcept;
+    void End() noexcept;
 
     // The sender's side.
 
@@ -78,6 +79,7 @@ private:
     // and the trailers belong to the maker up to the end of the bytes.
     bool isReady_ = false;
     bool isGivenUp_ = false;
+    bool isMade_ = false;  ///< the maker's alone: the handler returned
     bool hasLeft_ = false; ///< read by the maker, which is the one to set it, without the mutex
     std::optional<Limit> limit_;
     Head head_;

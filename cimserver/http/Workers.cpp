@@ -5,6 +5,7 @@
 #include <csignal>
 #include <cstddef>
 #include <mutex>
+#include <optional>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -21,17 +22,23 @@ void BlockNoSignal() {
 
 } // namespace
 
+struct Workers::Job {
+    std::function<void()> task;
+    std::function<void()> then;
+};
+
 /// A thread, as long as it is in its loop.
 struct Workers::Worker {
     std::condition_variable wakes;
-    std::function<void()> task; ///< guarded by State::mutex
+    std::optional<Job> job; ///< guarded by State::mutex
 };
 
 struct Workers::State {
     explicit State(std::chrono::milliseconds chosen) : idleTime(chosen) {}
 
-    static void Work(const std::shared_ptr<State>& state, std::function<void()> task);
-    bool WaitForTask(std::unique_lock<std::mutex>& lock, Worker& worker);
+    static void Work(const std::shared_ptr<State>& state, Job job);
+    void Carry(Worker& worker, Job job);
+    std::optional<Job> WaitForJob(Worker& worker);
 
     const std::chrono::milliseconds idleTime;
     std::mutex mutex;
@@ -43,35 +50,41 @@ struct Workers::State {
     bool isEnding = false;
 };
 
-void Workers::State::Work(const std::shared_ptr<State>& state, std::function<void()> task) {
+void Workers::State::Work(const std::shared_ptr<State>& state, Job job) {
     BlockNoSignal();
     Worker worker;
-    worker.task = std::move(task);
-    std::unique_lock lock(state->mutex, std::defer_lock);
-    do {
-        // What the task owns ends before the thread counts as idle.
-        std::exchange(worker.task, nullptr)();
-        lock.lock();
-        --state->running;
-        state->changed.notify_all();
-    } while (state->WaitForTask(lock, worker));
+    std::optional<Job> next = std::move(job);
+    while (next) {
+        state->Carry(worker, *std::exchange(next, std::nullopt));
+        next = state->WaitForJob(worker);
+    }
+    const std::lock_guard lock(state->mutex);
     --state->threads;
     state->changed.notify_all();
 }
 
-/// Comes back without the lock when there is a task.
-bool Workers::State::WaitForTask(std::unique_lock<std::mutex>& lock, Worker& worker) {
-    if (isEnding) {
-        return false;
+void Workers::State::Carry(Worker& worker, Job job) {
+    job.task();
+    // What the task owns ends before the thread counts as idle.
+    job.task = nullptr;
+    {
+        const std::lock_guard lock(mutex);
+        --running;
+        idle.push_back(&worker);
+        changed.notify_all();
     }
-    idle.push_back(&worker);
-    worker.wakes.wait_for(lock, idleTime, [&] { return worker.task != nullptr || isEnding; });
-    if (worker.task == nullptr) {
+    if (job.then) {
+        job.then();
+    }
+}
+
+std::optional<Workers::Job> Workers::State::WaitForJob(Worker& worker) {
+    std::unique_lock lock(mutex);
+    worker.wakes.wait_for(lock, idleTime, [&] { return worker.job.has_value() || isEnding; });
+    if (!worker.job) {
         idle.erase(std::find(idle.begin(), idle.end(), &worker));
-        return false;
     }
-    lock.unlock();
-    return true;
+    return std::exchange(worker.job, std::nullopt);
 }
 
 Workers::Workers(std::chrono::milliseconds idleTime) : state_(std::make_shared<State>(idleTime)) {
@@ -86,15 +99,16 @@ Workers::~Workers() {
     state_->changed.wait(lock, [this] { return state_->threads == 0; });
 }
 
-void Workers::Run(std::function<void()> task) {
+void Workers::Run(std::function<void()> task, std::function<void()> then) {
+    Job job{std::move(task), std::move(then)};
     const std::lock_guard lock(state_->mutex);
     if (state_->idle.empty()) {
-        std::thread(&State::Work, state_, std::move(task)).detach();
+        std::thread(&State::Work, state_, std::move(job)).detach();
         ++state_->threads;
     } else {
         Worker& worker = *state_->idle.back();
         state_->idle.pop_back();
-        worker.task = std::move(task);
+        worker.job = std::move(job);
         worker.wakes.notify_one();
     }
     ++state_->running;

@@ -20,14 +20,16 @@ public:
     Workers(const Workers&) = delete;
     Workers& operator=(const Workers&) = delete;
 
-    /// The task must not throw. Any thread may call. Throws std::system_error when there is no
-    /// thread to be had.
-    void Run(std::function<void()> task);
+    /// `then` follows the task when its thread is free for another one already: whoever is told by
+    /// it and asks again is served by the same thread. Neither may throw, and `then` must not wait.
+    /// Any thread may call. Throws std::system_error when there is no thread to be had.
+    void Run(std::function<void()> task, std::function<void()> then = {});
     /// False when tasks still run at that time.
     bool WaitUntilIdle(Clock::time_point until) const;
 
 private:
     struct State;
+    struct Job;
     struct Worker;
     /// Shared with the threads, so that the last one to end finds it there.
     std::shared_ptr<State> state_;

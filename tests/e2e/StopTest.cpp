@@ -22,7 +22,7 @@ protected:
     /// the words of the failure.
     std::future<std::string> Running() {
         tool_.Plays("", ToolAnswer().Output(e2e::Line("one")).Held());
-        auto answer = std::async(std::launch::async, [this, port = Server().Port()] {
+        auto answer = std::async(std::launch::async, [port = Server().Port()] {
             try {
                 return test_support::CimClient(port)
                     .Post(e2e::EnumerationOf("ZNX_SoftwareIdentity"))
@@ -42,8 +42,9 @@ protected:
 
 TEST_F(Stop, TakesNobodyMoreAndFinishesTheRunningCall) {
     StartServer();
-    auto answer = Running();
     test_support::CimClient idle(Server().Port());
+    EXPECT_EQ(idle.Post(test_support::IntrinsicCall("EnumerateClassNames", "")).status, 200);
+    auto answer = Running();
     Server().Signal(SIGTERM);
     WaitUntilItStops();
     EXPECT_EQ(idle.Post(e2e::EnumerationOf("ZNX_SoftwareIdentity")).status, 503);
@@ -93,7 +94,8 @@ TEST_F(Stop, LeavesABackgroundTaskRunning) {
     tool_.Plays("--apply", ToolAnswer().Held().ReportsItself().Output("done\n"));
     tool_.Plays("--hist", ToolAnswer().Output("N\tV\tDesc\tFix\tJan 2 2026 03:04\tRemovable\n"));
     StartServer();
-    EXPECT_THAT(Ask(e2e::EnumerationOf("ZNX_AvailableSoftwareUpdate")), HasSubstr("<VALUE>N</VALUE>"));
+    EXPECT_THAT(Ask(e2e::EnumerationOf("ZNX_AvailableSoftwareUpdate")),
+                HasSubstr("<VALUE>N</VALUE>"));
     const std::string update =
         R"(<INSTANCENAME CLASSNAME="ZNX_AvailableSoftwareUpdate"><KEYBINDING NAME="InstanceID">)"
         R"(<KEYVALUE VALUETYPE="string">0</KEYVALUE></KEYBINDING></INSTANCENAME>)";

@@ -39,8 +39,8 @@ protected:
     /// The server still serves newcomers, and ends with 0.
     ~Attack() override;
 
-    /// Attacks twice. Meanwhile the good client is answered; after the second time the threads and
-    /// descriptors are as before, and as much memory is used as after the first.
+    /// Attacks twice. Meanwhile the good client is answered; after each time the threads and
+    /// descriptors are as before, and after the second as much memory is used as after the first.
     void Suffer(const std::function<void()>& attack);
     std::uint16_t Port() const { return server_.Port(); }
 

@@ -38,7 +38,7 @@ void SendSlowly(Connections& connections, std::string_view text) {
                 connection.reset();
             }
         }
-        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
 }
 

@@ -9,6 +9,8 @@
 #include <future>
 #include <iterator>
 #include <latch>
+#include <memory>
+#include <set>
 #include <thread>
 #include <vector>
 
@@ -41,6 +43,18 @@ TEST(Workers, AnIdleThreadIsUsedAgain) {
     for (int i = 0; i < 100; ++i) {
         EXPECT_EQ(ThreadOfATask(workers), first);
     }
+}
+
+TEST(Workers, WhoeverIsToldOfTheEndIsServedByTheSameThread) {
+    Workers workers(60s);
+    std::set<std::thread::id> ids;
+    for (int i = 0; i < 2000; ++i) {
+        const auto end = std::make_shared<std::promise<void>>();
+        workers.Run([&ids] { ids.insert(std::this_thread::get_id()); },
+                    [end] { end->set_value(); });
+        end->get_future().wait();
+    }
+    EXPECT_EQ(ids.size(), 1U);
 }
 
 TEST(Workers, NoTaskWaitsForAnother) {
