@@ -36,8 +36,9 @@ std::vector<std::string> ClientRun::Lines() const {
     return lines;
 }
 
-void OverHttp::StartServer(const std::vector<std::string>& moreArguments) {
-    server_.emplace(moreArguments);
+void OverHttp::StartServer(const std::vector<std::string>& moreArguments,
+                           const std::string& moreItems) {
+    server_.emplace(moreArguments, moreItems);
     proxy_.emplace(server_->Port());
 }
 

@@ -27,7 +27,8 @@ ClientRun RunAtShell(const std::string& command);
 class OverHttp : public testing::Test {
 protected:
     /// Starts the server; the environment must be as the tool shall see it.
-    void StartServer(const std::vector<std::string>& moreArguments = {});
+    void StartServer(const std::vector<std::string>& moreArguments = {},
+                     const std::string& moreItems = {});
     void TearDown() override;
 
     /// Runs `wbemcli OPERATION URL`, the URL being that of the server with `object` behind its

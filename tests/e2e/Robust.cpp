@@ -5,9 +5,7 @@
 #include <iterator>
 #include <map>
 #include <sstream>
-#include <stdexcept>
 #include <system_error>
-#include <unistd.h>
 
 namespace e2e {
 
@@ -73,26 +71,17 @@ bool RefusesConnections(std::uint16_t port) {
 
 Robust::Robust() {
     setenv("TZ", "UTC", 1);
-    std::string name = (std::filesystem::temp_directory_path() / "robust.XXXXXX").string();
-    const int file = mkstemp(name.data());
-    if (file < 0) {
-        throw std::runtime_error("no file for the configuration");
-    }
-    close(file);
-    configuration_ = name;
     tool_.Plays("", test_support::ToolAnswer().Output(Line("one")));
     tool_.Plays("--errors", test_support::ToolAnswer().Output("What it means.\n"));
 }
 
 Robust::~Robust() {
     server_.reset();
-    std::filesystem::remove(configuration_);
 }
 
 void Robust::StartServer(const std::string& items) {
     server_.reset();
-    std::ofstream(configuration_) << items;
-    server_.emplace(std::vector<std::string>{"--config", configuration_.string()});
+    server_.emplace(std::vector<std::string>{}, items);
 }
 
 std::string Robust::Ask(const std::string& body) {

@@ -37,7 +37,6 @@ protected:
     test_support::ToolDouble tool_;
 
 private:
-    std::filesystem::path configuration_;
     std::optional<test_support::ServerProcess> server_;
 };
 

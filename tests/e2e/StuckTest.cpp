@@ -29,12 +29,10 @@ protected:
             throw std::runtime_error("no directory for the test");
         }
         directory_ = name;
-        std::ofstream(directory_ / "conf")
-            << "cimserver.call_seconds = 1\nstuck.release = " << (directory_ / "release").string()
-            << "\n";
         server_.emplace(std::vector<std::string>{"--provider-dir", SHELF_PROVIDERS, "--mof",
-                                                 TEST_DATA_DIRECTORY "/shelf/shelf.mof", "--config",
-                                                 (directory_ / "conf").string()});
+                                                 TEST_DATA_DIRECTORY "/shelf/shelf.mof"},
+                        "cimserver.call_seconds = 1\nstuck.release = " +
+                            (directory_ / "release").string() + "\n");
     }
     ~StuckCall() override {
         Release();

@@ -90,10 +90,12 @@ std::size_t EntriesOf(const std::string& directory) {
 
 } // namespace
 
-ServerProcess::ServerProcess(const std::vector<std::string>& moreArguments)
+ServerProcess::ServerProcess(const std::vector<std::string>& moreArguments,
+                             const std::string& moreItems)
     : logFile_(TemporaryFile("cimserver-log-XXXXXX")),
       configFile_(TemporaryFile("cimserver-conf-XXXXXX")) {
-    std::ofstream(configFile_) << "owcimomd.allow_anonymous = true\ncimserver.writers = *\n";
+    std::ofstream(configFile_) << "owcimomd.allow_anonymous = true\ncimserver.writers = *\n"
+                               << moreItems;
     const std::vector<std::string> words = CommandLine(configFile_, moreArguments);
     process_ = fork();
     if (process_ == 0) {

@@ -11,11 +11,13 @@ namespace test_support {
 /// A cimserver of this build with the library and the ZNX classes, on a free loopback port; it
 /// answers when the constructor returns and is ended by the destructor. Its tool is what stands at
 /// /qv/bin/patchkeeper, with the environment as it is now. Unless the arguments name a
-/// configuration file, everybody on this machine is let in and may change everything.
+/// configuration file of the test's own, its items are `moreItems`, and everybody on this machine
+/// is let in and may change everything.
 class ServerProcess {
 public:
     /// Throws std::runtime_error with the server's own words when it does not start.
-    explicit ServerProcess(const std::vector<std::string>& moreArguments = {});
+    explicit ServerProcess(const std::vector<std::string>& moreArguments = {},
+                           const std::string& moreItems = {});
     ~ServerProcess();
     ServerProcess(const ServerProcess&) = delete;
     ServerProcess& operator=(const ServerProcess&) = delete;
