@@ -132,6 +132,25 @@ TEST_F(HttpTls, ShowsTheCertificateThatAClientCanVerify) {
     EXPECT_THAT(outcome.certificate, HasSubstr("first.example"));
 }
 
+TEST_F(HttpTls, TheCertificateHoldsForItsNamesAndNoOther) {
+    Server server(settings, &Echo);
+    for (const auto& [name, code] : {std::pair{"first.example", CURLE_OK},
+                                     std::pair{"other.example", CURLE_PEER_FAILED_VERIFICATION}}) {
+        const std::string port = std::to_string(server.Port());
+        TlsClient client(server.Port());
+        curl_slist* addresses =
+            curl_slist_append(nullptr, (std::string(name) + ":" + port + ":127.0.0.1").c_str());
+        const std::string url = std::string("https://") + name + ":" + port + "/";
+        curl_easy_setopt(client.Handle(), CURLOPT_RESOLVE, addresses);
+        curl_easy_setopt(client.Handle(), CURLOPT_URL, url.c_str());
+        curl_easy_setopt(client.Handle(), CURLOPT_SSL_VERIFYPEER, 1L);
+        curl_easy_setopt(client.Handle(), CURLOPT_SSL_VERIFYHOST, 2L);
+        curl_easy_setopt(client.Handle(), CURLOPT_CAINFO, files.Path("pair.pem").c_str());
+        EXPECT_EQ(client.Post("x").code, code) << name;
+        curl_slist_free_all(addresses);
+    }
+}
+
 Outcome WithVersion(std::uint16_t port, long least, long most) {
     TlsClient client(port);
     curl_easy_setopt(client.Handle(), CURLOPT_SSLVERSION, least | most);
