@@ -4,9 +4,13 @@
 
 #include "cimserver/http/Http.hpp"
 #include "cimserver/http/SelfSigned.hpp"
+#include "support/CimClient.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <atomic>
+#include <stdexcept>
 
 #include <curl/curl.h>
 
@@ -193,6 +197,25 @@ TEST_F(HttpTls, AReloadThatFailsSaysWhyAndKeepsTheOldCertificate) {
         EXPECT_THAT(error.what(), HasSubstr("pair.pem: no certificate with its key in PEM"));
     }
     EXPECT_THAT(TlsClient(server.Port()).Post("x").certificate, HasSubstr("first.example"));
+}
+
+TEST_F(HttpTls, AHandshakeThatDoesNotComeIsNotWaitedForLonger) {
+    settings.requestSeconds = 1;
+    Server server(settings, &Echo);
+    test_support::CimClient silent(server.Port());
+    test_support::CimClient slow(server.Port());
+    slow.Send("\x16\x03\x01\x02");
+    EXPECT_TRUE(silent.IsClosedByServer());
+    EXPECT_TRUE(slow.IsClosedByServer());
+    EXPECT_EQ(TlsClient(server.Port()).Post("x").body, "x");
+}
+
+TEST_F(HttpTls, NoRequestIsTakenWithoutIt) {
+    std::atomic<int> requests = 0;
+    Server server(settings, [&](const Request&, Answer&) { ++requests; });
+    test_support::CimClient plain(server.Port());
+    EXPECT_THROW(plain.Request("POST", {}, "x"), std::runtime_error);
+    EXPECT_EQ(requests, 0);
 }
 
 TEST_F(HttpTls, CredentialsAreAskedForThereToo) {
