@@ -162,7 +162,7 @@ constexpr ItemRow rows[] = {
     {items::requestSeconds, "30", "seconds", "for a whole request to arrive; then status 408",
      Effect::atRestart, &ReadLimit<&Limits::requestSeconds, 1, 86'400>},
     {items::maxHeaderBytes, "8192", "bytes", "head of a request; above it status 431",
-     Effect::atRestart, &ReadLimit<&Limits::headerBytes, 256, 32'768>},
+     Effect::atRestart, &ReadLimit<&Limits::headerBytes, 256, 61'440>},
     {items::maxBodyBytes, "1048576", "bytes", "body of a request; above it status 413",
      Effect::atRestart, &ReadLimit<&Limits::bodyBytes, 1024, 1'073'741'824>},
     {items::maxXmlDepth, "64", "", "elements of a request within each other; above it status 400",

@@ -16,7 +16,4 @@ struct Certificate::Loaded {
     gnutls_certificate_credentials_t credentials = nullptr;
 };
 
-/// The versions and ciphers of TLS: the library's usual ones, but no version before 1.2.
-inline constexpr const char* tlsPriorities = "NORMAL:-VERS-ALL:+VERS-TLS1.3:+VERS-TLS1.2";
-
 } // namespace cimserver::http

@@ -120,7 +120,7 @@ struct Settings {
     int descriptor = -1;
     unsigned maxConnections = 200; ///< a connection above that is closed at once
     unsigned maxConnectionsPerAddress = 100;
-    std::size_t maxHeaderBytes = std::size_t{8} * 1024; ///< with the first line; at most 32 KiB
+    std::size_t maxHeaderBytes = std::size_t{8} * 1024; ///< with the first line; at most 60 KiB
     std::size_t maxBodyBytes = std::size_t{1024} * 1024;
     unsigned idleSeconds = 300;
     unsigned requestSeconds = 30;          ///< for a whole request to arrive

@@ -111,7 +111,7 @@ std::string Replaced(const std::string& text, const std::string& user, const std
     for (const std::string& line : LinesOf(text)) {
         const bool isMine = line.starts_with(user + ":");
         isThere = isThere || isMine;
-        result += (isMine ? mine : line) + "\n";
+        result.append(isMine ? mine : line).append("\n");
     }
     return isThere ? result : result + mine + "\n";
 }

@@ -1,11 +1,11 @@
 #include "cimserver/http/Admission.hpp"
-#include "cimserver/http/CertificateLoaded.hpp"
 #include "cimserver/http/ConnectionWatch.hpp"
 #include "cimserver/http/Exchange.hpp"
 #include "cimserver/http/Framing.hpp"
 #include "cimserver/http/Http.hpp"
 #include "cimserver/http/ListeningSocket.hpp"
 #include "cimserver/http/Sending.hpp"
+#include "cimserver/http/Tls.hpp"
 
 #include <atomic>
 #include <charconv>
@@ -14,7 +14,6 @@
 #include <system_error>
 #include <utility>
 
-#include <gnutls/abstract.h>
 #include <microhttpd.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -87,41 +86,6 @@ MHD_Result SendUnauthorized(MHD_Connection* connection) {
     return result;
 }
 
-/// Gives a connection that begins the certificate of this moment, whatever the HTTP library would
-/// take. What is returned has to live as long as the connection.
-std::shared_ptr<const Certificate::Loaded> UseCertificate(MHD_Connection* connection,
-                                                          const Certificate* certificate) {
-    const MHD_ConnectionInfo* info =
-        MHD_get_connection_info(connection, MHD_CONNECTION_INFO_GNUTLS_SESSION);
-    if (certificate == nullptr || info == nullptr) {
-        return nullptr;
-    }
-    auto loaded = certificate->Current();
-    gnutls_credentials_set(static_cast<gnutls_session_t>(info->tls_session), GNUTLS_CRD_CERTIFICATE,
-                           loaded->credentials);
-    return loaded;
-}
-
-/// The HTTP library wants a certificate at its start; this stands for those that UseCertificate
-/// gives.
-int NoOtherCertificate(gnutls_session_t /*session*/, const gnutls_datum_t* /*names*/,
-                       int /*nameCount*/, const gnutls_pk_algorithm_t* /*algorithms*/,
-                       int /*algorithmCount*/, gnutls_pcert_st** /*certificate*/,
-                       unsigned* /*length*/, gnutls_privkey_t* /*key*/) {
-    return -1;
-}
-
-std::vector<MHD_OptionItem> NoOptions() {
-    return {{MHD_OPTION_END, 0, nullptr}};
-}
-
-std::vector<MHD_OptionItem> TlsOptions() {
-    static std::string priorities = tlsPriorities; // the library takes no constant
-    return {{MHD_OPTION_HTTPS_PRIORITIES, 0, priorities.data()},
-            {MHD_OPTION_HTTPS_CERT_CALLBACK, 0, reinterpret_cast<void*>(&NoOtherCertificate)},
-            {MHD_OPTION_END, 0, nullptr}};
-}
-
 } // namespace
 
 struct Server::Daemon {
@@ -187,7 +151,7 @@ void Server::Daemon::Start(int socket) {
     const bool hasTls = settings.certificate != nullptr;
     constexpr unsigned usual = MHD_USE_THREAD_PER_CONNECTION | MHD_USE_INTERNAL_POLLING_THREAD |
                                MHD_USE_POLL | MHD_USE_ITC;
-    auto options = hasTls ? TlsOptions() : NoOptions();
+    auto options = TlsOptions(hasTls);
     daemon = MHD_start_daemon(
         hasTls ? usual | MHD_USE_TLS : usual, port, &Accept, this, &Receive, this,
         MHD_OPTION_LISTEN_SOCKET, socket, MHD_OPTION_CONNECTION_MEMORY_LIMIT, connectionMemory,

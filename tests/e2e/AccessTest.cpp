@@ -6,6 +6,9 @@
 
 #include <gmock/gmock.h>
 
+#include <chrono>
+#include <csignal>
+#include <filesystem>
 #include <fstream>
 
 namespace {
@@ -67,6 +70,22 @@ TEST_F(Access, TheCertificateThatTheCommandMadeCanBeVerified) {
     EXPECT_EQ(run.exitCode, 0) << run.text;
     EXPECT_NE(WithTls("rita:reading@", "ein", identity, "", "").exitCode, 0)
         << "a certificate that nobody vouches for was believed";
+}
+
+TEST_F(Access, AHangUpShowsTheNewCertificate) {
+    std::filesystem::copy_file(File("cert.pem"), File("old.pem"));
+    Run(CIMSERVER_PROGRAM " certificate --replace --cert " + File("cert.pem") + " --key " +
+        File("key.pem"));
+    const auto isShown = [&](const std::string& file) {
+        return WithTls("rita:reading@", "ein", identity, "", "-cacert " + File(file)).exitCode == 0;
+    };
+    EXPECT_TRUE(isShown("old.pem"));
+    kill(server_->Pid(), SIGHUP);
+    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    while (!isShown("cert.pem") && std::chrono::steady_clock::now() < limit) {
+    }
+    EXPECT_TRUE(isShown("cert.pem"));
+    EXPECT_FALSE(isShown("old.pem"));
 }
 
 TEST_F(Access, AUserReadsWithoutTlsOnLoopback) {

@@ -14,7 +14,7 @@ protected:
     void SetUp() override {
         StartServer(
             {"--provider-dir", SHELF_PROVIDERS, "--mof", TEST_DATA_DIRECTORY "/shelf/shelf.mof"},
-            "cimserver.max_header_bytes = 65536\n"); // CIMObject names the keys of an instance
+            "cimserver.max_header_bytes = 61440\n"); // CIMObject names the keys of an instance
     }
 
     /// What wbemcli prints of a call that succeeds, without what stands before a path.

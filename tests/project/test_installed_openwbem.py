@@ -78,7 +78,7 @@ class Installation(unittest.TestCase):
 
     def config(self):
         file = self.folder / "cimserver.conf"
-        file.write_text("owcimomd.allow_anonymous = true\n")
+        file.write_text("owcimomd.allow_anonymous = true\ncimserver.writers = *\n")
         return file
 
     def ask(self, port):

@@ -8,6 +8,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
@@ -15,6 +17,7 @@
 #include <optional>
 #include <stdexcept>
 #include <sys/stat.h>
+#include <thread>
 
 namespace programtest {
 namespace {
@@ -131,6 +134,81 @@ TEST_F(WithUsers, UsersStayUntilTheNextStartWhenTheirFileIsNoLongerNamed) {
     EXPECT_THAT(Read(secret).body, HasSubstr("INSTANCENAME"));
     EXPECT_THAT(LogAtEnd(), HasSubstr("simple_auth.password_file has come or gone, which counts "
                                       "from the next start on"));
+}
+
+/// anna with a password of her own for each number below 1000, none of them right.
+std::string Guess(int number) {
+    std::string encoded = "Basic YW5uYTpz"; // anna:s
+    for (int digits = 0; digits < 3; ++digits, number /= 10) {
+        encoded += "YWF"; // with a letter behind it: aaa to aaj
+        encoded += static_cast<char>('h' + number % 10);
+    }
+    return encoded;
+}
+
+struct Held {
+    std::size_t descriptors = 0;
+    std::size_t threads = 0;
+    bool operator==(const Held&) const = default;
+};
+
+void PrintTo(const Held& held, std::ostream* out) {
+    *out << held.descriptors << " descriptors, " << held.threads << " threads";
+}
+
+Held HeldBy(pid_t process) {
+    const auto count = [&](const char* what) {
+        const std::filesystem::directory_iterator all("/proc/" + std::to_string(process) + what);
+        return static_cast<std::size_t>(std::distance(all, std::filesystem::directory_iterator()));
+    };
+    return {count("/fd"), count("/task")};
+}
+
+TEST_F(WithUsers, AThousandWrongPasswordsHinderNobodyAndLeaveNothing) {
+    constexpr int attackers = 10;
+    // More than a pipe that nobody reads would take.
+    Configure("log.main.type = file\nlog.main.location = " + (directory / "log").string() + "\n");
+    HangUp();
+    EXPECT_THAT(Read(secret).body, HasSubstr("INSTANCENAME"));
+    const Held before = HeldBy(server->Pid());
+    const std::uint16_t port = server->WaitForPort();
+    std::atomic<int> refused = 0;
+    std::atomic<int> running = attackers;
+    std::vector<std::thread> threads;
+    for (int attacker = 0; attacker < attackers; ++attacker) {
+        threads.emplace_back([&, attacker] {
+            for (int i = attacker; i < 1000; i += attackers) {
+                refused +=
+                    CimClient(port).Request("POST", {{"Authorization", Guess(i)}}, "x").status ==
+                            401
+                        ? 1
+                        : 0;
+            }
+            --running;
+        });
+    }
+    int served = 0;
+    int notServed = 0;
+    while (running != 0) {
+        ++(Read(secret).status == 200 ? served : notServed);
+    }
+    for (auto& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(refused, 1000);
+    EXPECT_EQ(notServed, 0);
+    EXPECT_GT(served, 20);
+    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    while (HeldBy(server->Pid()) != before && std::chrono::steady_clock::now() < limit) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    EXPECT_EQ(HeldBy(server->Pid()), before);
+    std::ifstream log(directory / "log");
+    int lines = 0;
+    for (std::string line; std::getline(log, line);) {
+        lines += line.find("refused user `anna` from 127.0.0.1") != std::string::npos ? 1 : 0;
+    }
+    EXPECT_EQ(lines, 1000);
 }
 
 TEST(AnonymousClients, ComeInOnLoopbackOnlyWhileUsersComeInEverywhere) {

@@ -4,9 +4,13 @@
 
 #include "cimserver/http/Http.hpp"
 #include "cimserver/http/SelfSigned.hpp"
+#include "support/CimClient.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <atomic>
+#include <stdexcept>
 
 #include <curl/curl.h>
 
@@ -132,6 +136,25 @@ TEST_F(HttpTls, ShowsTheCertificateThatAClientCanVerify) {
     EXPECT_THAT(outcome.certificate, HasSubstr("first.example"));
 }
 
+TEST_F(HttpTls, TheCertificateHoldsForItsNamesAndNoOther) {
+    Server server(settings, &Echo);
+    for (const auto& [name, code] : {std::pair{"first.example", CURLE_OK},
+                                     std::pair{"other.example", CURLE_PEER_FAILED_VERIFICATION}}) {
+        const std::string port = std::to_string(server.Port());
+        TlsClient client(server.Port());
+        curl_slist* addresses =
+            curl_slist_append(nullptr, (std::string(name) + ":" + port + ":127.0.0.1").c_str());
+        const std::string url = std::string("https://") + name + ":" + port + "/";
+        curl_easy_setopt(client.Handle(), CURLOPT_RESOLVE, addresses);
+        curl_easy_setopt(client.Handle(), CURLOPT_URL, url.c_str());
+        curl_easy_setopt(client.Handle(), CURLOPT_SSL_VERIFYPEER, 1L);
+        curl_easy_setopt(client.Handle(), CURLOPT_SSL_VERIFYHOST, 2L);
+        curl_easy_setopt(client.Handle(), CURLOPT_CAINFO, files.Path("pair.pem").c_str());
+        EXPECT_EQ(client.Post("x").code, code) << name;
+        curl_slist_free_all(addresses);
+    }
+}
+
 Outcome WithVersion(std::uint16_t port, long least, long most) {
     TlsClient client(port);
     curl_easy_setopt(client.Handle(), CURLOPT_SSLVERSION, least | most);
@@ -174,6 +197,25 @@ TEST_F(HttpTls, AReloadThatFailsSaysWhyAndKeepsTheOldCertificate) {
         EXPECT_THAT(error.what(), HasSubstr("pair.pem: no certificate with its key in PEM"));
     }
     EXPECT_THAT(TlsClient(server.Port()).Post("x").certificate, HasSubstr("first.example"));
+}
+
+TEST_F(HttpTls, AHandshakeThatDoesNotComeIsNotWaitedForLonger) {
+    settings.requestSeconds = 1;
+    Server server(settings, &Echo);
+    test_support::CimClient silent(server.Port());
+    test_support::CimClient slow(server.Port());
+    slow.Send("\x16\x03\x01\x02");
+    EXPECT_TRUE(silent.IsClosedByServer());
+    EXPECT_TRUE(slow.IsClosedByServer());
+    EXPECT_EQ(TlsClient(server.Port()).Post("x").body, "x");
+}
+
+TEST_F(HttpTls, NoRequestIsTakenWithoutIt) {
+    std::atomic<int> requests = 0;
+    Server server(settings, [&](const Request&, Answer&) { ++requests; });
+    test_support::CimClient plain(server.Port());
+    EXPECT_THROW(plain.Request("POST", {}, "x"), std::runtime_error);
+    EXPECT_EQ(requests, 0);
 }
 
 TEST_F(HttpTls, CredentialsAreAskedForThereToo) {

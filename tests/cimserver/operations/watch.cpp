@@ -30,8 +30,12 @@ protected:
     /// What a watch notes when the host, asked to carry out the call, enters and leaves.
     Lines NotedOf(const Call& call) {
         Noting watch;
-        operations.Execute(
-            {.nameSpace = "root/cimv2", .user = "anna", .call = call, .watch = &watch}, sink);
+        operations.Execute({.nameSpace = "root/cimv2",
+                            .user = "anna",
+                            .call = call,
+                            .mayChange = true,
+                            .watch = &watch},
+                           sink);
         source.lastInfo.entered("the call");
         source.lastInfo.left();
         return watch.noted;
