@@ -176,6 +176,9 @@ struct Row {
     const char* line;
     const char* why;
 };
+void PrintTo(const Row& row, std::ostream* out) {
+    *out << row.line;
+}
 
 class RefusedItem : public testing::TestWithParam<Row> {};
 
@@ -199,7 +202,7 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"cppprovifc.prov_location = /tmp:/absent/dir", "there is no directory /absent/dir"},
         Row{"cppprovifc.prov_TTL = soon", idleRange}, Row{"cppprovifc.prov_TTL = -2", idleRange},
         Row{"http_server.max_connections = 0", "expected a whole number from 1 to 10000"},
-        Row{"cimserver.max_header_bytes = 32769", "expected a whole number from 256 to 32768"},
+        Row{"cimserver.max_header_bytes = 61441", "expected a whole number from 256 to 61440"},
         Row{"cimserver.max_body_bytes = 1M", "expected a whole number from 1024 to 1073741824"},
         Row{"cimserver.request_seconds = 99999999999999999999",
             "expected a whole number from 1 to 86400"},
