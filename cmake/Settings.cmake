@@ -32,6 +32,11 @@ target_link_libraries(project_settings INTERFACE Threads::Threads)
 # Nobody replaces single functions of our shared libraries, so they may call their own directly.
 target_compile_options(project_settings INTERFACE -fno-semantic-interposition)
 
+# In what is delivered, functions of a library's headers that nobody calls are left out.
+target_compile_options(project_settings INTERFACE
+    $<$<CONFIG:RelWithDebInfo>:-ffunction-sections -fdata-sections>)
+target_link_options(project_settings INTERFACE $<$<CONFIG:RelWithDebInfo>:-Wl,--gc-sections>)
+
 if(SANITIZE)
     target_compile_options(project_settings INTERFACE
         -fsanitize=${SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)

@@ -9,6 +9,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <cstring>
 #include <iosfwd>
 
 namespace OpenWBEM {
@@ -113,7 +114,15 @@ public:
     int compareTo(const char* other) const;
     int compareToIgnoreCase(const String& other) const;
     int compareToIgnoreCase(const char* other) const;
-    bool equals(const String& other) const;
+    // Lists are searched with it: most texts differ in length or in their first byte.
+    bool equals(const String& other) const noexcept {
+        if (m_block == other.m_block) {
+            return true;
+        }
+        const size_t size = length();
+        return size == other.length() && *c_str() == *other.c_str() &&
+               std::memcmp(c_str(), other.c_str(), size) == 0;
+    }
     bool equals(const char* other) const;
     bool equalsIgnoreCase(const String& other) const;
     bool equalsIgnoreCase(const char* other) const;

@@ -104,10 +104,6 @@ int String::compareToIgnoreCase(const char* other) const {
     return compareFolded(viewOf(*this), viewOf(other));
 }
 
-bool String::equals(const String& other) const {
-    return m_block == other.m_block || viewOf(*this) == viewOf(other);
-}
-
 bool String::equals(const char* other) const {
     return viewOf(*this) == viewOf(other);
 }
