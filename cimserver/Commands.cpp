@@ -147,6 +147,9 @@ ExitCode RunCertificate(int argc, const char* const* argv, Streams streams) {
     if (const auto done = Parse(app, argc, argv, streams)) {
         return *done;
     }
+    if (options.key == options.certificate) {
+        options.key.clear(); // both in one file
+    }
     if (options.names.empty()) {
         options.names = {HostName(), "localhost", "127.0.0.1", "::1"};
     }

@@ -22,8 +22,9 @@ constexpr const char* origin = "LISTEN_FDS";
                              " (" + socket.name + ") " + why);
 }
 
+/// Without a name of its own a socket has that of its unit (systemd.socket(5)).
 bool HasNoName(const PassedSocket& socket) {
-    return socket.name.empty() || socket.name == "unknown";
+    return socket.name.empty() || socket.name == "unknown" || socket.name.ends_with(".socket");
 }
 
 bool IsPlain(const PassedSocket& socket, std::size_t count) {

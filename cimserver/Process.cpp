@@ -97,6 +97,7 @@ StopSignal::StopSignal() {
     Handle(SIGQUIT, SIG_DFL);
     Handle(SIGTERM, NoteStop);
     Handle(SIGINT, NoteStop);
+    Handle(SIGHUP, Nothing); // until somebody reads the configuration again
     sigset_t none;
     sigemptyset(&none);
     pthread_sigmask(SIG_SETMASK, &none, nullptr);

@@ -13,7 +13,7 @@
 namespace cimserver {
 
 /// Calls an action on a thread of its own after each SIGHUP; several that come during one count as
-/// one more. Make one before other threads start, and only one. What came before is passed over.
+/// one more. Only one at a time. A SIGHUP that comes before is passed over (StopSignal sees to it).
 class ReloadSignal {
 public:
     /// Throws std::system_error.

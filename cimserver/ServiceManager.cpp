@@ -105,7 +105,7 @@ void ServiceManager::Notify(const std::string& state) const {
     const int notices = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
     const auto size =
         static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + noticeSocket_.size());
-    sendto(notices, state.data(), state.size(), MSG_NOSIGNAL | MSG_DONTWAIT,
+    sendto(notices, state.data(), state.size(), MSG_NOSIGNAL,
            reinterpret_cast<const sockaddr*>(&address), size);
     close(notices);
 }

@@ -25,7 +25,8 @@ TEXT
 # Element Manager cartridge. Nobody signs them; this appliance takes them all the same.
 make_updates() {
     local made=$appliance/made update
-    mkdir -p "$appliance/updates"
+    local updates=$appliance/updates.new
+    mkdir -p "$updates"
     new_update web-fix 1.0 usr/lib/web.so '"category": "Security", "classification": "Middleware",
         "short_description": "Closes a hole in the web server",
         "long_description": "Requests with two lengths are refused. Nothing else changes.",
@@ -38,9 +39,10 @@ make_updates() {
     new_update znxliteEMcartridge 2.1 usr/share/em/cartridge '"category": "Element Manager",
         "short_description": "The cartridge of the Element Manager", "reboot_needed": false, "removable": true'
     for update in "$made"/*; do
-        /qv/bin/patchkeeper bundle "$update" -o "$appliance/updates/${update##*/}.tar.gz" >/dev/null || return 1
+        /qv/bin/patchkeeper bundle "$update" -o "$updates/${update##*/}.tar.gz" >/dev/null || return 1
     done
     rm -rf "$made"
+    mv "$updates" "$appliance/updates" # all of them or none
 }
 
 # Sets $updates_server to the process and $updates_port.

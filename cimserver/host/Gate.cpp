@@ -19,9 +19,9 @@ Gate::Pass::~Pass() {
 }
 
 void Gate::Take(const std::string& what) {
-    isTaken_ = true;
-    holder_ = what;
+    holder_ = what; // may fail, and then nobody is inside
     since_ = Clock::now();
+    isTaken_ = true;
 }
 
 bool Gate::WaitAndTake(const std::string& what, std::chrono::milliseconds longest) {

@@ -7,6 +7,20 @@
 
 namespace cimserver::http {
 
+namespace {
+
+/// No name may look like the rest of the line, by which others find the address.
+std::string Shown(const std::string& user) {
+    constexpr std::size_t longest = 100;
+    std::string shown;
+    for (const char byte : user.substr(0, longest)) {
+        shown += byte == '`' || byte == ' ' ? '?' : byte;
+    }
+    return shown;
+}
+
+} // namespace
+
 Admission::Admission(Access access) : access_(std::move(access)) {
 }
 
@@ -41,10 +55,8 @@ std::string Admission::FaultOf(const Offer& offer) const {
 
 void Admission::Refuse(const std::string& user, const std::string& address,
                        const std::string& why) {
-    constexpr std::size_t longestName = 100;
     if (access_.log) {
-        access_.log("refused user `" + user.substr(0, longestName) + "` from " + address + ": " +
-                    why);
+        access_.log("refused user `" + Shown(user) + "` from " + address + ": " + why);
     }
     std::unique_lock lock(mutex_);
     ends_.wait_for(lock, access_.failureDelay, [this] { return isEnding_; });

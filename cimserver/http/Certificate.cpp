@@ -6,6 +6,7 @@
 #include <new>
 #include <system_error>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace cimserver::http {
@@ -20,9 +21,18 @@ void CheckReadable(const std::filesystem::path& file, const char* what) {
     }
 }
 
+void CheckSecret(const std::filesystem::path& key) {
+    struct stat status = {};
+    if (stat(key.c_str(), &status) == 0 && (status.st_mode & S_IRWXO) != 0) {
+        throw CredentialError(key.string() +
+                              ": the key can be read or changed by everybody; chmod o-rwx");
+    }
+}
+
 std::shared_ptr<const Certificate::Loaded> Load(const CertificateFiles& files) {
     CheckReadable(files.certificate, "certificate");
     CheckReadable(files.key, "key");
+    CheckSecret(files.key);
     auto loaded = std::make_shared<Certificate::Loaded>();
     const int result = gnutls_certificate_set_x509_key_file(
         loaded->credentials, files.certificate.c_str(), files.key.c_str(), GNUTLS_X509_FMT_PEM);

@@ -27,7 +27,8 @@ struct AddressList {
 [[noreturn]] void Fail(const std::string& address, std::uint16_t port, const std::string& reason) {
     const bool isIpv6 = address.find(':') != std::string::npos;
     const std::string shown = isIpv6 ? "[" + address + "]" : address;
-    throw ListenError("Cannot listen on " + shown + ":" + std::to_string(port) + ": " + reason);
+    throw ListenError("Cannot listen on " + shown + ":" + std::to_string(port) + ": " + reason +
+                      "; --listen and --tls-listen choose another address or port");
 }
 
 std::string TextOf(int error) {

@@ -1,5 +1,6 @@
 #include "cimserver/http/SafeFile.hpp"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <string_view>
@@ -35,16 +36,17 @@ public:
     void Write(std::string_view text) const {
         while (!text.empty()) {
             const ssize_t count = write(descriptor_, text.data(), text.size());
-            if (count < 0) {
+            if (count < 0 && errno != EINTR) {
                 FailWithError(target_, errno);
             }
-            text.remove_prefix(static_cast<std::size_t>(count));
+            text.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
         }
     }
     /// Who runs this may be the administrator while the file belongs to the server's user.
     void TakeOwnerAndMode(mode_t mode) const {
         struct stat before = {};
-        const bool isOthers = stat(target_.c_str(), &before) == 0 && before.st_uid != geteuid();
+        const bool isOthers = stat(target_.c_str(), &before) == 0 &&
+                              (before.st_uid != geteuid() || before.st_gid != getegid());
         if ((isOthers && fchown(descriptor_, before.st_uid, before.st_gid) != 0) ||
             fchmod(descriptor_, mode) != 0) {
             FailWithError(target_, errno);

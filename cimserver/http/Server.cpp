@@ -345,6 +345,10 @@ MHD_Result Server::Daemon::AnswerRequest(MHD_Connection* connection, const char*
         return Refuse(connection, MHD_HTTP_UNAUTHORIZED, exchange);
     }
     exchange.running.emplace(inFlight);
+    // Whoever waits for the end of what is in flight has to be sure that nothing begins any more.
+    if (isStopping) {
+        return Refuse(connection, MHD_HTTP_SERVICE_UNAVAILABLE, exchange);
+    }
     if (exchange.tooLarge) {
         return Refuse(connection, MHD_HTTP_CONTENT_TOO_LARGE, exchange);
     }

@@ -207,6 +207,13 @@ TEST_F(Commands, CertificateAndKeyInOneFileAreForTheOwnerOnly) {
     EXPECT_NO_THROW(cimserver::http::Certificate({File("pair"), File("pair")}));
 }
 
+TEST_F(Commands, CertificateAndKeyOfTheSameNameAreOneFile) {
+    Running command({"certificate", "--cert", File("pair"), "--key", File("pair")});
+    EXPECT_EQ(command.Wait(), 0) << command.Error();
+    EXPECT_EQ(ModeOf("pair"), 0600U);
+    EXPECT_NO_THROW(cimserver::http::Certificate({File("pair"), File("pair")}));
+}
+
 TEST_F(Commands, CertificateReplacesNothingUnasked) {
     std::ofstream(File("pair")) << "precious\n";
     EXPECT_THAT(Failure({"certificate", "--cert", File("pair")}, "", 1),

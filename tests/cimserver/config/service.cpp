@@ -123,6 +123,7 @@ std::string Refusal(const std::vector<PassedSocket>& sockets) {
 TEST_F(Service, OnlyASingleSocketNeedsNoName) {
     EXPECT_THAT(cimserver::PlainSockets({{7, ""}}), ElementsAre(7));
     EXPECT_THAT(cimserver::PlainSockets({{7, "unknown"}}), ElementsAre(7));
+    EXPECT_THAT(cimserver::PlainSockets({{7, "cimserver.socket"}}), ElementsAre(7));
     EXPECT_THAT(cimserver::PlainSockets({{7, "http"}, {8, "http"}}), ElementsAre(7, 8));
     EXPECT_THAT(cimserver::PlainSockets({{7, "http"}, {8, "https"}}), ElementsAre(7));
     EXPECT_THAT(cimserver::TlsSockets({{7, "http"}, {8, "https"}}), ElementsAre(8));

@@ -5,6 +5,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <chrono>
 #include <exception>
 #include <stdexcept>
@@ -64,7 +65,11 @@ void GoodClient::Ask() {
     const std::string question = SmallQuestion();
     try {
         while (!mayEnd_) {
+            const auto start = std::chrono::steady_clock::now();
             const test_support::HttpAnswer answer = client_.Post(question);
+            const auto time = std::chrono::duration_cast<std::chrono::milliseconds>(
+                std::chrono::steady_clock::now() - start);
+            longest_ = std::max(longest_.load(), time);
             if (!IsAnswer(answer.body)) {
                 throw std::runtime_error(answer.body);
             }
@@ -103,6 +108,8 @@ void Attack::Suffer(const std::function<void()>& attack) {
     attack();
     const unsigned during = good_.Answers() - before;
     EXPECT_GT(during, 0U);
+    // Far from what it takes: the machine may be busy with other tests.
+    EXPECT_LT(good_.LongestAnswer(), std::chrono::seconds(10));
     Calm();
     const double memory = server_.ResidentMegabytes();
     attack();

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -23,12 +24,15 @@ public:
     GoodClient& operator=(const GoodClient&) = delete;
 
     unsigned Answers() const { return answers_; }
+    /// The longest that an answer has taken since the last time that this was asked.
+    std::chrono::milliseconds LongestAnswer() { return longest_.exchange({}); }
 
 private:
     void Ask();
 
     test_support::CimClient client_;
     std::atomic<unsigned> answers_ = 0;
+    std::atomic<std::chrono::milliseconds> longest_{};
     std::atomic<bool> mayEnd_ = false;
     std::thread thread_;
 };

@@ -135,6 +135,13 @@ TEST_F(HttpAccess, ALongNameIsCutInTheLog) {
     EXPECT_THAT(log[0], HasSubstr("`" + std::string(100, 'a') + "`"));
 }
 
+TEST_F(HttpAccess, ANameInTheLogCannotPassForAnotherAddress) {
+    Start();
+    Ask({"Basic eGAgZnJvbSAxMC4wLjAuOTogeQ=="}); // "x` from 10.0.0.9: y"
+    ASSERT_EQ(log.size(), 1U);
+    EXPECT_THAT(log[0], testing::StartsWith("refused user `x??from?10.0.0.9` from 127.0.0.1: "));
+}
+
 TEST_F(HttpAccess, AfterARefusalTheConnectionServesOn) {
     Start();
     CimClient client(server->Port());

@@ -250,6 +250,19 @@ TEST(Stopping, RefusesConnectionsAndRequestsAndFinishesWhatRuns) {
     EXPECT_EQ(running.get(), "done");
 }
 
+TEST(Stopping, BeginsNothingForABodyThatComesAfterIt) {
+    std::atomic<int> calls = 0;
+    Server server(WithCallTime(0ms), [&](const Request&, Answer&) { ++calls; });
+    CimClient client(server.Port());
+    client.Send("POST / HTTP/1.1\r\nHost: h\r\nContent-Length: 1\r\nExpect: 100-continue\r\n\r\n");
+    EXPECT_THAT(client.ReceiveBytes(25), testing::StartsWith("HTTP/1.1 100 "));
+    server.StopAccepting();
+    EXPECT_TRUE(server.WaitUntilIdle(std::chrono::steady_clock::now()));
+    client.Send("x");
+    EXPECT_EQ(client.Receive().status, 503);
+    EXPECT_EQ(calls, 0);
+}
+
 TEST(Stopping, WaitsForAHandlerWhoseClientHasGone) {
     Signal hasBegun;
     Signal mayEnd;

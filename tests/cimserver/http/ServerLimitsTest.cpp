@@ -152,19 +152,22 @@ TEST(HttpListening, APortInUseIsNamedWithTheReason) {
     Settings settings;
     settings.port = 0;
     const Server server(settings, &Nothing);
-    EXPECT_EQ(TextOfListenError("127.0.0.1", server.Port()),
-              "Cannot listen on 127.0.0.1:" + std::to_string(server.Port()) +
-                  ": Address already in use");
+    EXPECT_EQ(
+        TextOfListenError("127.0.0.1", server.Port()),
+        "Cannot listen on 127.0.0.1:" + std::to_string(server.Port()) +
+            ": Address already in use; --listen and --tls-listen choose another address or port");
 }
 
 TEST(HttpListening, AnAddressThatIsNoneOfThisMachineIsNamed) {
     EXPECT_EQ(TextOfListenError("192.0.2.1", 0),
-              "Cannot listen on 192.0.2.1:0: Cannot assign requested address");
+              "Cannot listen on 192.0.2.1:0: Cannot assign requested address; --listen and "
+              "--tls-listen choose another address or port");
 }
 
 TEST(HttpListening, AHostNameIsNoAddress) {
     EXPECT_EQ(TextOfListenError("localhost", 5988),
-              "Cannot listen on localhost:5988: not a numeric IPv4 or IPv6 address");
+              "Cannot listen on localhost:5988: not a numeric IPv4 or IPv6 address; --listen and "
+              "--tls-listen choose another address or port");
 }
 
 TEST(HttpListening, ThePortIsFreeAgainAfterTheServersEnd) {

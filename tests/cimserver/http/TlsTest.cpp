@@ -16,6 +16,8 @@
 
 namespace {
 
+namespace fs = std::filesystem;
+
 using cimserver::http::Certificate;
 using cimserver::http::CredentialError;
 using cimserver::http::Request;
@@ -249,6 +251,9 @@ TEST(CertificateFile, ThatCannotBeUsedIsNamedWithTheReason) {
     files.Write("key", one.key);
     files.Write("other", two.key);
     EXPECT_EQ(error({files.Path("certificate"), files.Path("key")}), "no error");
+    fs::permissions(files.Path("key"), fs::perms::others_read, fs::perm_options::add);
+    EXPECT_THAT(error({files.Path("certificate"), files.Path("key")}),
+                HasSubstr("key: the key can be read or changed by everybody; chmod o-rwx"));
     EXPECT_THAT(error({files.Path("certificate"), files.Path("absent")}),
                 HasSubstr("absent: the key cannot be read"));
     EXPECT_THAT(error({files.Path("certificate"), files.Path("other")}),

@@ -9,7 +9,8 @@ using OpenWBEM::CIMInstance;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-constexpr const char* denied = "2 Access to CIM resource unavailable to client (anna may only read)";
+constexpr const char* denied =
+    "2 Access to CIM resource unavailable to client (anna may only read)";
 
 class Rights : public OperationsTest {
 protected:
