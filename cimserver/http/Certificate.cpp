@@ -32,7 +32,6 @@ void CheckSecret(const std::filesystem::path& key) {
 std::shared_ptr<const Certificate::Loaded> Load(const CertificateFiles& files) {
     CheckReadable(files.certificate, "certificate");
     CheckReadable(files.key, "key");
-    CheckSecret(files.key);
     auto loaded = std::make_shared<Certificate::Loaded>();
     const int result = gnutls_certificate_set_x509_key_file(
         loaded->credentials, files.certificate.c_str(), files.key.c_str(), GNUTLS_X509_FMT_PEM);
@@ -40,6 +39,7 @@ std::shared_ptr<const Certificate::Loaded> Load(const CertificateFiles& files) {
         throw CredentialError(files.certificate.string() + ", " + files.key.string() +
                               ": no certificate with its key in PEM: " + gnutls_strerror(result));
     }
+    CheckSecret(files.key);
     return loaded;
 }
 

@@ -4,6 +4,7 @@
 #include "cimserver/Settings.hpp"
 #include "cimserver/http/PasswordFile.hpp"
 #include "cimserver/http/PasswordHash.hpp"
+#include "cimserver/http/SafeFile.hpp"
 #include "cimserver/http/SelfSigned.hpp"
 
 #include <gmock/gmock.h>
@@ -49,7 +50,7 @@ protected:
     /// The item that names a file with certificate and key.
     std::string Pair() const {
         const auto pair = cimserver::http::MakeSelfSigned({"localhost"}, 1);
-        std::ofstream(directory / "pair.pem") << pair.certificate << pair.key;
+        cimserver::http::ReplaceFile(directory / "pair.pem", pair.certificate + pair.key, 0600);
         return "http_server.SSL_cert = " + (directory / "pair.pem").string() + "\n";
     }
     static Settings Read(const std::string& text, std::vector<std::string>& mistakes) {

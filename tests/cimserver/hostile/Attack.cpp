@@ -115,7 +115,7 @@ void Attack::Suffer(const std::function<void()>& attack) {
     attack();
     Calm();
     // The C library keeps a heap for every few threads, and these do not fill alike.
-    EXPECT_LT(server_.ResidentMegabytes(), memory + 8);
+    EXPECT_LT(server_.ResidentMegabytes(), memory + MEMORY_MARGIN);
 }
 
 } // namespace hostile
