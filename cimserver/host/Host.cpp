@@ -176,8 +176,9 @@ bool Host::WithMethodProvider(const Target& target, const OpenWBEM::String& meth
     try {
         state_->EnterLibrary(*id, target, info, use);
     } catch (const Refusal& refusal) {
-        const auto text = "No provider for method " + methodName + ": " +
-                          InvalidProvider(*id, refusal.what()).c_str();
+        const std::string reason = InvalidProvider(*id, refusal.what());
+        const OpenWBEM::String text =
+            "No provider for method " + methodName + ": " + reason.c_str();
         OW_THROWCIMMSG(OpenWBEM::CIMException::NOT_FOUND, text.c_str());
     }
     return isServed;
