@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <fcntl.h>
 #include <linux/close_range.h>
+#include <poll.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -111,8 +112,8 @@ StopSignal::~StopSignal() {
 }
 
 void StopSignal::Wait() const {
-    char byte = 0;
-    while (read(readEnd_, &byte, 1) < 0 && errno == EINTR) {
+    pollfd stop{readEnd_, POLLIN, 0};
+    while (poll(&stop, 1, -1) < 0 && errno == EINTR) {
     }
 }
 
