@@ -228,16 +228,17 @@ void MeasureTls(const ServerProcess& server, std::vector<Row>& rows) {
                     TlsOverPlain(server, "EnumerateInstances", ListPackages(), 100), "times", 1.5});
 }
 
-/// Opens connections from another address than the working client has, one after the other, asks
-/// without credentials, and goes when the refusal is there.
-void Flood(std::uint16_t port, const std::atomic<bool>& ends, std::atomic<int>& connections) {
+/// Opens connections from an address of its own, one after the other, asks without credentials, and
+/// goes when the refusal is there.
+void Flood(std::uint16_t port, unsigned number, const std::atomic<bool>& ends,
+           std::atomic<int>& connections) {
     const std::string request =
         "POST /cimom HTTP/1.1\r\nHost: localhost\r\nContent-Length: 0\r\n\r\n";
     while (!ends) {
         const int flooding = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
         sockaddr_in own{};
         own.sin_family = AF_INET;
-        own.sin_addr.s_addr = htonl(INADDR_LOOPBACK + 1);
+        own.sin_addr.s_addr = htonl(INADDR_LOOPBACK + 1 + number);
         sockaddr_in server = own;
         server.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
         server.sin_port = htons(port);
@@ -267,17 +268,19 @@ void MeasureFlood(const ServerProcess& server, std::vector<Row>& rows) {
     const double alone = MedianOfCalls(client, time);
     std::atomic<bool> ends = false;
     std::atomic<int> connections = 0;
-    std::thread flood([&] { Flood(server.Port(), ends, connections); });
+    std::vector<std::jthread> floods;
+    for (unsigned number = 0; number < 4; ++number) {
+        floods.emplace_back([&, number] { Flood(server.Port(), number, ends, connections); });
+    }
     double among = 0;
     try {
         among = MedianOfCalls(client, time);
     } catch (...) {
         ends = true;
-        flood.join();
         throw;
     }
     ends = true;
-    flood.join();
+    floods.clear();
     rows.push_back({"flood: refused connections per second",
                     connections / std::chrono::duration<double>(time).count(), ""});
     rows.push_back({"flood: 1000 instances over the time without", among / alone, "times", 2});
