@@ -109,7 +109,7 @@ void Attack::Suffer(const std::function<void()>& attack) {
     Calm();
     EXPECT_GT(good_.Answers(), before);
     // Far from what it takes: the machine may be busy with other tests.
-    EXPECT_LT(good_.LongestAnswer(), std::chrono::seconds(10));
+    EXPECT_LT(good_.LongestAnswer(), std::chrono::seconds(20));
     const double memory = server_.ResidentMegabytes();
     attack();
     Calm();
