@@ -30,7 +30,7 @@ void NoteReload(int /*signal*/) {
     errno = before;
 }
 
-void Nothing(int /*signal*/) {
+void Ignore(int /*signal*/) {
 }
 
 void Handle(void (*handler)(int)) {
@@ -66,7 +66,7 @@ ReloadSignal::ReloadSignal(std::function<void()> action) : action_(std::move(act
 
 ReloadSignal::~ReloadSignal() {
     // Neither the default, which would kill within the stop, nor ignored, which children inherit.
-    Handle(Nothing);
+    Handle(Ignore);
     reloadWriteEnd = -1;
     const char stop = 0;
     while (write(writeEnd_, &stop, 1) < 0 && (errno == EINTR || errno == EAGAIN)) {

@@ -1,9 +1,10 @@
 # add_project_test(NAME <name> SOURCES <file>... [LIBRARIES <target>...] [LABELS <label>...]
-#                  [PRIVATE_ROOT [TOOL <target>]] [TIMEOUT <seconds>])
+#                  [PRIVATE_ROOT [TOOL <target>]] [TIMEOUT <seconds>] [APART])
 #
 # One GoogleTest program; every test in it becomes a test of its own, in a process of its own, so that
 # no test sees what another left behind. PRIVATE_ROOT runs them where /qv/bin/patchkeeper is the
-# scripted double, or the program that TOOL names (scripts/with-qv).
+# scripted double, or the program that TOOL names (scripts/with-qv). APART: the sources have helpers of
+# the same names, so they are never compiled together.
 
 find_package(GTest REQUIRED)
 include(GoogleTest)
@@ -20,7 +21,7 @@ target_precompile_headers(test_headers PRIVATE
     <gmock/gmock.h> <gtest/gtest.h>)
 
 function(add_project_test)
-    cmake_parse_arguments(arg "PRIVATE_ROOT" "NAME;TOOL;TIMEOUT" "SOURCES;LIBRARIES;LABELS" ${ARGN})
+    cmake_parse_arguments(arg "PRIVATE_ROOT;APART" "NAME;TOOL;TIMEOUT" "SOURCES;LIBRARIES;LABELS" ${ARGN})
     add_executable(${arg_NAME} ${arg_SOURCES})
     target_link_libraries(${arg_NAME} PRIVATE project_settings ${arg_LIBRARIES}
         GTest::gmock GTest::gtest GTest::gtest_main)
@@ -30,6 +31,9 @@ function(add_project_test)
         TEST_DATA_DIRECTORY="${CMAKE_CURRENT_SOURCE_DIR}")
     set_target_properties(${arg_NAME} PROPERTIES
         RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+    if(arg_APART)
+        set_target_properties(${arg_NAME} PROPERTIES UNITY_BUILD OFF)
+    endif()
     if(arg_PRIVATE_ROOT)
         if(NOT arg_TOOL)
             set(arg_TOOL patchkeeper_double)

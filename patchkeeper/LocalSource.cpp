@@ -15,7 +15,7 @@ Unavailable CannotRead(const fs::path& path, const std::error_code& error) {
     return Unavailable(path.string() + " cannot be read: " + error.message());
 }
 
-std::uint64_t SizeOf(const fs::path& file) {
+std::uint64_t DeclaredSize(const fs::path& file) {
     std::error_code ignored; // what cannot be read is refused when it is its turn
     const std::uintmax_t size = fs::file_size(file, ignored);
     return ignored ? 0 : size;
@@ -53,7 +53,7 @@ BundleSource::Found LocalSource::Find() {
     found.isDirectory = fs::is_directory(status);
     files_ = found.isDirectory ? FilesInDirectory() : std::vector<fs::path>{path_};
     for (const auto& file : files_) {
-        found.candidates.push_back({file.filename().string(), SizeOf(file)});
+        found.candidates.push_back({file.filename().string(), DeclaredSize(file)});
     }
     return found;
 }

@@ -61,7 +61,7 @@ void WriteOrigin(const State& state, const RemoteFile& file) {
     }
 }
 
-std::optional<std::uint64_t> SizeOf(const fs::path& file) {
+std::optional<std::uint64_t> SizeOfFile(const fs::path& file) {
     struct stat status {};
     if (lstat(file.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) {
         return std::nullopt;
@@ -84,7 +84,7 @@ PartialCopy::PartialCopy(const State& state, const RemoteFile& file, std::uint64
       out_(-1) {
     RefuseTooLarge(file, limit);
     const auto origin = ReadOrigin(state_);
-    const auto size = SizeOf(data_);
+    const auto size = SizeOfFile(data_);
     const bool isSame = origin && size && !file.version.empty() &&
                         origin->url == OneLine(file.url) &&
                         origin->version == OneLine(file.version) &&
@@ -162,7 +162,7 @@ void PartialCopy::Discard() noexcept {
 
 std::optional<std::string> PartialCopy::UrlOf(const State& state) {
     const auto origin = ReadOrigin(state);
-    return origin && SizeOf(DataFile(state)) ? std::optional(origin->url) : std::nullopt;
+    return origin && SizeOfFile(DataFile(state)) ? std::optional(origin->url) : std::nullopt;
 }
 
 bool PartialCopy::IsPartOfOne(const State& state, const fs::path& file) {

@@ -7,14 +7,23 @@ namespace cimserver::cimxml {
 namespace {
 
 template <class Call>
+concept HasClass = requires(const Call& call) { call.className; };
+template <class Call>
+concept HasInstance = requires(const Call& call) { call.instanceName; };
+template <class Call>
+concept HasObject = requires(const Call& call) { call.objectName; };
+template <class Call>
+concept HasNewInstance = requires(const Call& call) { call.newInstance; };
+
+template <class Call>
 OpenWBEM::String ClassOf(const Call& call) {
-    if constexpr (requires { call.className; }) {
+    if constexpr (HasClass<Call>) {
         return call.className;
-    } else if constexpr (requires { call.instanceName; }) {
+    } else if constexpr (HasInstance<Call>) {
         return call.instanceName.getClassName();
-    } else if constexpr (requires { call.objectName; }) {
+    } else if constexpr (HasObject<Call>) {
         return call.objectName.getClassName();
-    } else if constexpr (requires { call.newInstance; }) {
+    } else if constexpr (HasNewInstance<Call>) {
         return call.newInstance.getClassName();
     } else {
         return {};

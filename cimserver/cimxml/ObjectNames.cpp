@@ -1,6 +1,7 @@
 #include "cimserver/cimxml/ObjectNames.hpp"
 
 #include "cimserver/cimxml/ProtocolError.hpp"
+#include "cimserver/cimxml/Texts.hpp"
 
 #include <charconv>
 
@@ -9,10 +10,6 @@ namespace cimserver::cimxml {
 using namespace OpenWBEM;
 
 namespace {
-
-String ToString(std::string_view text) {
-    return String(text.data(), text.size());
-}
 
 std::string_view Trimmed(std::string_view text) {
     constexpr std::string_view blanks = " \t\r\n";

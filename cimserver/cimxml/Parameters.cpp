@@ -3,20 +3,13 @@
 #include "cimserver/cimxml/ObjectNames.hpp"
 #include "cimserver/cimxml/ProtocolError.hpp"
 #include "cimserver/cimxml/ReadValues.hpp"
+#include "cimserver/cimxml/Texts.hpp"
 
 namespace cimserver::cimxml {
 
 using namespace OpenWBEM;
 
 namespace {
-
-[[noreturn]] void Refuse(const String& text) {
-    OW_THROWCIMMSG(CIMException::INVALID_PARAMETER, text.c_str());
-}
-
-String ToString(const std::string& text) {
-    return String(text.data(), text.size());
-}
 
 /// An empty name is none.
 String ClassNameIn(const char* parameter, const Element& value) {

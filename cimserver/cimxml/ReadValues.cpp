@@ -2,6 +2,7 @@
 
 #include "cimserver/cimxml/ObjectNames.hpp"
 #include "cimserver/cimxml/ProtocolError.hpp"
+#include "cimserver/cimxml/Texts.hpp"
 
 #include "OW_CIMValueCast.hpp"
 
@@ -10,14 +11,6 @@ namespace cimserver::cimxml {
 using namespace OpenWBEM;
 
 namespace {
-
-[[noreturn]] void Refuse(const String& text) {
-    OW_THROWCIMMSG(CIMException::INVALID_PARAMETER, text.c_str());
-}
-
-String ToString(const std::string& text) {
-    return String(text.data(), text.size());
-}
 
 /// Blanks count only where a text is the value.
 String TextFor(CIMDataType::Type type, const Element& value, const String& what) {

@@ -1,5 +1,7 @@
 #include "cimserver/host/Registry.hpp"
 
+#include "cimserver/host/Text.hpp"
+
 #include "OW_String.hpp"
 
 #include <cctype>
@@ -15,10 +17,6 @@ std::string Folded(const OpenWBEM::String& name) {
         c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
     }
     return folded;
-}
-
-OpenWBEM::String Text(const std::string& text) {
-    return OpenWBEM::String(text.c_str());
 }
 
 std::optional<std::string> IdOf(const OpenWBEM::String& qualifier) {

@@ -1,6 +1,7 @@
 #include "cimserver/host/StartUp.hpp"
 
 #include "cimserver/host/Enter.hpp"
+#include "cimserver/host/Text.hpp"
 
 #include "OW_AssociatorProviderInfo.hpp"
 #include "OW_CIMException.hpp"
@@ -23,10 +24,6 @@ namespace {
 constexpr std::string_view extension = ".so";
 constexpr std::size_t prefixLength = 3; // of "lib", whatever stands there
 constexpr const char* noId = "NO_ID";
-
-OpenWBEM::String Text(const std::string& text) {
-    return OpenWBEM::String(text.c_str());
-}
 
 std::vector<std::filesystem::path> LibrariesOf(const std::filesystem::path& directory,
                                                const OpenWBEM::Logger& log) {

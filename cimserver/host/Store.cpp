@@ -1,6 +1,7 @@
 #include "cimserver/host/Store.hpp"
 
 #include "cimserver/host/Enter.hpp"
+#include "cimserver/host/Text.hpp"
 
 #include "OW_CppProviderBaseIFC.hpp"
 #include "OW_String.hpp"
@@ -11,10 +12,6 @@
 namespace cimserver::host {
 
 namespace {
-
-OpenWBEM::String Text(const std::string& text) {
-    return OpenWBEM::String(text.c_str());
-}
 
 /// What the first file gives that is not refused; when all are, throws Refusal with all reasons.
 template <class Function>

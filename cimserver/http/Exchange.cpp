@@ -73,7 +73,9 @@ void AnswerInTransit::BecomeReady(bool streams) {
         if (isGivenUp_) {
             return;
         }
-        hasLeft_ = hasLeft_ || streams;
+        if (streams) {
+            hasLeft_ = true;
+        }
         isReady_ = true;
     }
     ready_.notify_one();

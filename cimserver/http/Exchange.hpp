@@ -75,7 +75,7 @@ private:
     const std::chrono::milliseconds callTime_;
     mutable std::mutex mutex_;
     std::condition_variable ready_;
-    // Guarded by mutex_ until the answer is ready. From then on head and hasLeft_ do not change,
+    // Guarded by mutex_ until the answer is ready. From then on nobody writes head and hasLeft_,
     // and the trailers belong to the maker up to the end of the bytes.
     bool isReady_ = false;
     bool isGivenUp_ = false;

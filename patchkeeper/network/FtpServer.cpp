@@ -28,7 +28,7 @@ bool IsAboutPath(CURLcode code) {
 }
 
 // Only with the date: files of the same size are not the same.
-std::string VersionOf(const Answer& answer) {
+std::string DatedVersion(const Answer& answer) {
     const std::string date = answer.Header("last-modified");
     return date.empty() ? "" : date + ", " + answer.Header("content-length");
 }
@@ -61,7 +61,7 @@ RemoteFile FtpServer::Ask(const std::string& url, Transfer::Ended& ended) {
     request.url = url;
     request.onlyHead = true;
     ended = transfer_.Perform(request, [](const Answer&, std::string_view) {});
-    return {url, RemoteName(url), ended.answer.Length(), VersionOf(ended.answer)};
+    return {url, RemoteName(url), ended.answer.Length(), DatedVersion(ended.answer)};
 }
 
 Server::Found FtpServer::Find() {

@@ -55,7 +55,7 @@ bool IsPage(const Answer& answer) {
 }
 
 // What may be given back to the server to get the rest of the same content (RFC 9110, 13.1.5).
-std::string VersionOf(const Answer& answer) {
+std::string TaggedVersion(const Answer& answer) {
     const std::string tag = answer.Header("etag");
     if (tag.empty()) {
         return answer.Header("last-modified");
@@ -64,7 +64,7 @@ std::string VersionOf(const Answer& answer) {
 }
 
 RemoteFile FileOf(const std::string& url, const Answer& answer) {
-    return {url, RemoteName(url), answer.Length(), VersionOf(answer)};
+    return {url, RemoteName(url), answer.Length(), TaggedVersion(answer)};
 }
 
 // The first byte of an answer that holds a part: "bytes 100-199/200".

@@ -1,4 +1,5 @@
 #include "OW_String.hpp"
+#include "OW_StringView.hpp"
 #include "OW_Utf8.hpp"
 
 #include <cstring>
@@ -14,14 +15,6 @@ bool isAscii(char byte) {
 
 char lowerAscii(char byte) {
     return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + ('a' - 'A')) : byte;
-}
-
-std::string_view viewOf(const String& text) {
-    return {text.c_str(), text.length()};
-}
-
-std::string_view viewOf(const char* text) {
-    return text ? text : "";
 }
 
 int compareFolded(std::string_view a, std::string_view b) {

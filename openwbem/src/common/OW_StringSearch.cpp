@@ -1,5 +1,6 @@
 #include "OW_Array.hpp"
 #include "OW_String.hpp"
+#include "OW_StringView.hpp"
 
 #include <array>
 #include <string_view>
@@ -9,14 +10,6 @@ namespace OpenWBEM {
 namespace {
 
 constexpr std::string_view WHITE_SPACE = " \t\n\v\f\r";
-
-std::string_view viewOf(const String& text) {
-    return {text.c_str(), text.length()};
-}
-
-std::string_view viewOf(const char* text) {
-    return text ? text : "";
-}
 
 size_t indexIn(std::string_view text, std::string_view part, size_t from) {
     return text.empty() ? String::npos : text.find(part, from);

@@ -8,7 +8,7 @@ namespace operationstest {
 
 namespace {
 
-constexpr const char* mof = R"(
+constexpr const char* commonMof = R"(
 Qualifier Key : boolean = false, Scope(property, reference), Flavor(DisableOverride);
 Qualifier Description : string = null, Scope(any), Flavor(Translatable);
 Qualifier Provider : string = null, Scope(any), Flavor(ToSubclass);
@@ -345,7 +345,7 @@ bool PlayedProviders::WithMethodProvider(const cimserver::host::Target& target,
 }
 
 OperationsTest::OperationsTest() : operations(schema, source, "root/cimv2", "here") {
-    schema.AddText(mof, "test.mof");
+    schema.AddText(commonMof, "test.mof");
     source.providers = {{"c++::Base", &base}, {"c++::Leaf", &leaf}};
 }
 

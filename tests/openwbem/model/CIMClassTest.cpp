@@ -11,13 +11,8 @@ namespace {
 using namespace OpenWBEM;
 using namespace OpenWBEM::WBEMFlags;
 using tests::ArrayOf;
+using tests::Flag;
 using tests::Thrown;
-
-CIMQualifier Flag(const char* name, bool value) {
-    CIMQualifier qualifier(name);
-    qualifier.setValue(CIMValue(value));
-    return qualifier;
-}
 
 CIMClass Sample() {
     CIMClass cimClass("ZNX_A");

@@ -9,14 +9,9 @@ namespace {
 
 using namespace OpenWBEM;
 using tests::ArrayOf;
+using tests::Key;
 using tests::Thrown;
 using tests::ThrownIds;
-
-CIMProperty Key(const char* name, const char* value) {
-    CIMProperty property(name, CIMValue(value));
-    property.addQualifier(CIMQualifier::createKeyQualifier());
-    return property;
-}
 
 CIMProperty Reference(const char* name) {
     return CIMProperty(name, CIMValue(CIMObjectPath("ZNX_A", "root")));

@@ -11,14 +11,9 @@ namespace {
 using namespace OpenWBEM;
 using namespace OpenWBEM::WBEMFlags;
 using tests::ArrayOf;
+using tests::Flag;
 using tests::Text;
 using tests::Thrown;
-
-CIMQualifier Flag(const char* name, bool value) {
-    CIMQualifier qualifier(name);
-    qualifier.setValue(CIMValue(value));
-    return qualifier;
-}
 
 CIMParameter Parameter(const char* name, std::initializer_list<CIMQualifier> qualifiers) {
     CIMParameter parameter(name);

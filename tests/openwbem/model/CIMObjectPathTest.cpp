@@ -9,14 +9,9 @@ namespace {
 
 using namespace OpenWBEM;
 using tests::ArrayOf;
+using tests::Key;
 using tests::Thrown;
 using tests::ThrownIds;
-
-CIMProperty Key(const char* name, const char* value) {
-    CIMProperty property(name, CIMValue(value));
-    property.addQualifier(CIMQualifier::createKeyQualifier());
-    return property;
-}
 
 TEST(CIMObjectPath, TwoTextsAreClassNameAndNamespace) {
     const CIMObjectPath path("ZNX_A", "root/cimv2");

@@ -1,8 +1,11 @@
-// What the tests of the model share: short arrays, and what a piece of code throws as one line of
+// What the tests of the model share: short arrays, keys, flags, and what a piece of code throws as one line of
 // text.
 #pragma once
 
 #include "OW_Array.hpp"
+#include "OW_CIMProperty.hpp"
+#include "OW_CIMQualifier.hpp"
+#include "OW_CIMValue.hpp"
 #include "OW_Exception.hpp"
 #include "OW_String.hpp"
 
@@ -18,6 +21,18 @@ inline std::string Text(const OpenWBEM::String& text) {
 template <class T>
 OpenWBEM::Array<T> ArrayOf(std::initializer_list<T> elements) {
     return OpenWBEM::Array<T>(elements.begin(), elements.end());
+}
+
+inline OpenWBEM::CIMProperty Key(const char* name, const char* value) {
+    OpenWBEM::CIMProperty property(name, OpenWBEM::CIMValue(value));
+    property.addQualifier(OpenWBEM::CIMQualifier::createKeyQualifier());
+    return property;
+}
+
+inline OpenWBEM::CIMQualifier Flag(const char* name, bool value) {
+    OpenWBEM::CIMQualifier qualifier(name);
+    qualifier.setValue(OpenWBEM::CIMValue(value));
+    return qualifier;
 }
 
 /// `type: message`, or `nothing`.

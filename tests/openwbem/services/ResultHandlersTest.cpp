@@ -26,15 +26,15 @@ protected:
     }
 };
 
-CIMInstance named(const char* className) {
+CIMInstance instanceOf(const char* className) {
     CIMInstance instance;
     instance.setClassName(className);
     return instance;
 }
 
 void giveInstances(CIMInstanceResultHandlerIFC& result) {
-    result.handle(named("A"));
-    result.handle(named("B"));
+    result.handle(instanceOf("A"));
+    result.handle(instanceOf("B"));
 }
 
 void givePaths(CIMObjectPathResultHandlerIFC& result) {
@@ -77,7 +77,7 @@ TEST(ResultBuilders, FillAnEnumerationOfInstances) {
 }
 
 TEST(ResultBuilders, AppendToAnArrayOfInstances) {
-    CIMInstanceArray target(1, named("first"));
+    CIMInstanceArray target(1, instanceOf("first"));
     CIMInstanceArrayBuilder builder(target);
     giveInstances(builder);
     ASSERT_EQ(target.size(), 3u);
