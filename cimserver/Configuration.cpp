@@ -32,7 +32,8 @@ void Configuration::AddFile(const std::filesystem::path& file) {
         }
     }
     if (stream == nullptr || std::ferror(stream.get()) != 0) {
-        throw ConfigurationError(file.string() + ": " + std::strerror(errno));
+        throw ConfigurationError(file.string() + ": " + std::strerror(errno) +
+                                 "; name a configuration file that can be read");
     }
     AddText(text, file.string());
 }

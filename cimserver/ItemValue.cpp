@@ -88,7 +88,7 @@ std::vector<std::filesystem::path> ItemValue::Directories() const {
     for (const auto& directory : directories) {
         std::error_code ignored;
         if (!std::filesystem::is_directory(directory, ignored)) {
-            Refuse("there is no directory " + directory.string());
+            Refuse("there is no directory " + directory.string() + "; name one that is there");
         }
     }
     return directories;
@@ -99,7 +99,7 @@ std::vector<std::filesystem::path> ItemValue::Files() const {
     for (const auto& file : files) {
         std::error_code error;
         if (!std::filesystem::exists(file, error)) {
-            Refuse("there is no file " + file.string());
+            Refuse("there is no file " + file.string() + "; name one that is there");
         }
     }
     return files;

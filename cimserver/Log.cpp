@@ -138,7 +138,8 @@ private:
             open(file.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NOCTTY, 0640);
         if (descriptor < 0) {
             throw std::runtime_error("Cannot write the log " + file.string() + ": " +
-                                     std::strerror(errno));
+                                     std::strerror(errno) +
+                                     "; log.main.location names a file that can be written");
         }
         return descriptor;
     }

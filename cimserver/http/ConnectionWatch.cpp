@@ -17,6 +17,15 @@ using namespace std::chrono_literals;
 
 constexpr int requestTimeout = 408;
 
+/// So many at once are told that there is no room for them.
+constexpr unsigned maxTurnedAway = 8;
+static_assert(maxTurnedAway < ConnectionWatch::beyondLimits);
+
+constexpr std::string_view tooLate = "HTTP/1.1 408 Request Timeout\r\n"
+                                     "Content-Length: 0\r\nConnection: close\r\n\r\n";
+constexpr std::string_view noRoom = "HTTP/1.1 503 Service Unavailable\r\n"
+                                    "Content-Length: 0\r\nConnection: close\r\n\r\n";
+
 /// Acknowledged and in order, whether read or not; 0 when it is no TCP connection.
 std::uint64_t BytesReceived(int socket) {
     tcp_info info{};
@@ -25,9 +34,7 @@ std::uint64_t BytesReceived(int socket) {
                                                                         : 0;
 }
 
-void EndWithTimeout(int socket, bool isPlain) {
-    constexpr std::string_view answer = "HTTP/1.1 408 Request Timeout\r\n"
-                                        "Content-Length: 0\r\nConnection: close\r\n\r\n";
+void EndWith(std::string_view answer, int socket, bool isPlain) {
     if (isPlain) {
         send(socket, answer.data(), answer.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
     }
@@ -66,38 +73,56 @@ ConnectionWatch::~ConnectionWatch() {
     thread_.join();
 }
 
-bool ConnectionWatch::HasRoomFor(const sockaddr* address) {
+std::optional<Limit> ConnectionWatch::FullFor(const std::string& address) const {
+    if (connections_.size() - turnedAway_ >= maxConnections_) {
+        return Limit::connections;
+    }
+    const auto found = perAddress_.find(address);
+    if (found != perAddress_.end() && found->second >= maxConnectionsPerAddress_) {
+        return Limit::connectionsOfAddress;
+    }
+    return std::nullopt;
+}
+
+ConnectionWatch::Verdict ConnectionWatch::Judge(const sockaddr* address, bool isPlain) {
     const std::string text = AddressText(address);
-    Limit limit = Limit::connections;
+    std::optional<Limit> limit;
+    bool canBeTold = false;
     {
         const std::lock_guard lock(mutex_);
-        const auto found = perAddress_.find(text);
-        const unsigned count = found == perAddress_.end() ? 0 : found->second;
-        if (connections_.size() < maxConnections_) {
-            if (count < maxConnectionsPerAddress_) {
-                return true;
-            }
-            limit = Limit::connectionsOfAddress;
-        }
+        limit = FullFor(text);
+        canBeTold = isPlain && turnedAway_ < maxTurnedAway;
+    }
+    if (!limit) {
+        return Verdict::welcome;
     }
     if (observer_ != nullptr) {
-        observer_->Reached(limit, text);
+        observer_->Reached(*limit, text);
     }
-    return false;
+    return canBeTold ? Verdict::turnedAway : Verdict::dropped;
 }
 
 ConnectionWatch::Connection* ConnectionWatch::Opened(int socket, const sockaddr* address,
                                                      bool isPlain) {
+    const std::string text = AddressText(address);
     Connection* connection = nullptr;
     {
         const std::lock_guard lock(mutex_);
+        const bool isFull = FullFor(text).has_value();
         connection = &connections_.emplace_back();
         connection->self = std::prev(connections_.end());
         connection->socket = socket;
         connection->isPlain = isPlain;
-        connection->address = AddressText(address);
+        connection->address = text;
         connection->since = Clock::now();
-        ++perAddress_[connection->address];
+        connection->isCounted = !isFull;
+        if (isFull) {
+            connection->phase = Connection::Phase::expired;
+            ++turnedAway_;
+            EndWith(noRoom, socket, isPlain);
+        } else {
+            ++perAddress_[text];
+        }
     }
     changed_.notify_one();
     return connection;
@@ -105,19 +130,24 @@ ConnectionWatch::Connection* ConnectionWatch::Opened(int socket, const sockaddr*
 
 void ConnectionWatch::Closed(Connection* connection) {
     const std::lock_guard lock(mutex_);
-    const auto count = perAddress_.find(connection->address);
-    if (--count->second == 0) {
-        perAddress_.erase(count);
+    if (connection->isCounted) {
+        const auto count = perAddress_.find(connection->address);
+        if (--count->second == 0) {
+            perAddress_.erase(count);
+        }
+    } else {
+        --turnedAway_;
     }
     connections_.erase(connection->self);
 }
 
-void ConnectionWatch::RequestBegins(Connection& connection) {
+bool ConnectionWatch::RequestBegins(Connection& connection) {
     const std::lock_guard lock(mutex_);
     if (connection.phase == Connection::Phase::idle) {
         connection.phase = Connection::Phase::arriving;
         connection.since = Clock::now();
     }
+    return connection.phase != Connection::Phase::expired;
 }
 
 bool ConnectionWatch::RequestIsWhole(Connection& connection) {
@@ -160,7 +190,7 @@ void ConnectionWatch::ExpireOverdue(std::unique_lock<std::mutex>& lock) {
     for (Connection& connection : connections_) {
         if (IsOverdue(connection, now)) {
             connection.phase = Connection::Phase::expired;
-            EndWithTimeout(connection.socket, connection.isPlain);
+            EndWith(tooLate, connection.socket, connection.isPlain);
             addresses.push_back(connection.address);
         }
     }

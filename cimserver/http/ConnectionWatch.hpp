@@ -30,6 +30,9 @@ class ConnectionWatch {
 public:
     using Clock = std::chrono::steady_clock;
 
+    /// There are never so many connections above the limits.
+    static constexpr unsigned beyondLimits = 16;
+
     struct Connection {
         enum class Phase { idle, arriving, answering, expired };
 
@@ -37,6 +40,7 @@ public:
         bool isPlain = true; ///< a status may be written to the socket as it is
         std::string address;
         Phase phase = Phase::arriving;
+        bool isCounted = true;   ///< false: above a limit, told so and about to be closed
         Clock::time_point since; ///< of a request that arrives
         std::uint64_t bytes = 0; ///< received before the connection became idle
         std::list<Connection>::iterator self;
@@ -50,15 +54,19 @@ public:
     ConnectionWatch(const ConnectionWatch&) = delete;
     ConnectionWatch& operator=(const ConnectionWatch&) = delete;
 
-    /// False, and the observer is told, when a limit is reached.
-    bool HasRoomFor(const sockaddr* address);
-    /// The result is good until Closed, and so must be the socket.
+    /// What becomes of a new connection. The observer is told when a limit is reached. A connection
+    /// that is turned away is to be opened, and then gets status 503; when it has TLS, whose start
+    /// would cost more than it is worth, or many are just being turned away, it is to be dropped.
+    enum class Verdict { welcome, turnedAway, dropped };
+    Verdict Judge(const sockaddr* address, bool isPlain);
+    /// The result is good until Closed, and so must be the socket. Ends a connection for which
+    /// there is no room.
     Connection* Opened(int socket, const sockaddr* address, bool isPlain);
     void Closed(Connection* connection);
 
     /// The first line is there. Without such a call a request begins with its first bytes, the
-    /// first one of a connection with the connection.
-    void RequestBegins(Connection& connection);
+    /// first one of a connection with the connection. False when the connection is being ended.
+    bool RequestBegins(Connection& connection);
     /// The request is there, or an answer is being sent without the rest. False when its time was
     /// over before: then it gets no answer any more.
     bool RequestIsWhole(Connection& connection);
@@ -69,6 +77,7 @@ public:
     void RequestEnds(Connection& connection);
 
 private:
+    std::optional<Limit> FullFor(const std::string& address) const;
     void Run();
     void ExpireOverdue(std::unique_lock<std::mutex>& lock);
     bool IsOverdue(Connection& connection, Clock::time_point now) const;
@@ -82,6 +91,7 @@ private:
     std::condition_variable changed_;
     std::list<Connection> connections_;
     std::map<std::string, unsigned> perAddress_;
+    unsigned turnedAway_ = 0; ///< of connections_
     bool stops_ = false;
     std::thread thread_;
 };

@@ -118,7 +118,7 @@ struct Settings {
     /// A TCP socket that listens already, instead of address and port; it is the server's from then
     /// on. -1: none.
     int descriptor = -1;
-    unsigned maxConnections = 200; ///< a connection above that is closed at once
+    unsigned maxConnections = 200; ///< one more gets status 503, or nothing, and is closed
     unsigned maxConnectionsPerAddress = 100;
     std::size_t maxHeaderBytes = std::size_t{8} * 1024; ///< with the first line; at most 60 KiB
     std::size_t maxBodyBytes = std::size_t{1024} * 1024;

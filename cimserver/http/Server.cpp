@@ -31,10 +31,6 @@ constexpr std::size_t bytesReadInVain = 64 * 1024;
 /// once.
 constexpr std::size_t connectionMemory = AnswerQueue::blockSize + 4 * 1024;
 
-/// The HTTP library closes without a word what is above its own limit, which is therefore never
-/// met.
-constexpr unsigned connectionsBeyondOurs = 16;
-
 std::string ClientAddress(MHD_Connection* connection) {
     const MHD_ConnectionInfo* info =
         MHD_get_connection_info(connection, MHD_CONNECTION_INFO_CLIENT_ADDRESS);
@@ -155,7 +151,7 @@ void Server::Daemon::Start(int socket) {
     daemon = MHD_start_daemon(
         hasTls ? usual | MHD_USE_TLS : usual, port, &Accept, this, &Receive, this,
         MHD_OPTION_LISTEN_SOCKET, socket, MHD_OPTION_CONNECTION_MEMORY_LIMIT, connectionMemory,
-        MHD_OPTION_CONNECTION_LIMIT, settings.maxConnections + connectionsBeyondOurs,
+        MHD_OPTION_CONNECTION_LIMIT, settings.maxConnections + ConnectionWatch::beyondLimits,
         MHD_OPTION_CONNECTION_TIMEOUT, settings.idleSeconds, MHD_OPTION_NOTIFY_CONNECTION, &Notice,
         this, MHD_OPTION_URI_LOG_CALLBACK, &Begin, this, MHD_OPTION_NOTIFY_COMPLETED, &End, this,
         MHD_OPTION_ARRAY, options.data(), MHD_OPTION_END);
@@ -182,8 +178,10 @@ void Server::Daemon::StopAccepting() {
 }
 
 MHD_Result Server::Daemon::Accept(void* self, const sockaddr* address, socklen_t /*size*/) {
+    const Daemon& daemon = *static_cast<const Daemon*>(self);
     try {
-        return static_cast<const Daemon*>(self)->watch->HasRoomFor(address) ? MHD_YES : MHD_NO;
+        const auto verdict = daemon.watch->Judge(address, daemon.settings.certificate == nullptr);
+        return verdict == ConnectionWatch::Verdict::dropped ? MHD_NO : MHD_YES;
     } catch (const std::bad_alloc&) {
         return MHD_NO;
     }
@@ -217,7 +215,9 @@ void* Server::Daemon::Begin(void* self, const char* target, MHD_Connection* conn
     if (watched == nullptr) {
         return nullptr;
     }
-    static_cast<const Daemon*>(self)->watch->RequestBegins(*watched);
+    if (!static_cast<const Daemon*>(self)->watch->RequestBegins(*watched)) {
+        return nullptr;
+    }
     try {
         return std::make_unique<Exchange>(target).release();
     } catch (const std::bad_alloc&) {

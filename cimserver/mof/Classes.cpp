@@ -150,7 +150,8 @@ private:
         const syntax::Name& name = *declaration_.superClass;
         const CIMClass* superClass = schema_.FindClass(ToString(name.text));
         if (superClass == nullptr) {
-            throw Error(name.place, "unknown superclass " + syntax::Quote(name.text));
+            throw Error(name.place, "unknown superclass " + syntax::Quote(name.text) +
+                                        "; name the file that declares it before this one");
         }
         cimClass_.setSuperClass(superClass->getName());
         return *superClass;

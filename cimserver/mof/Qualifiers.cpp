@@ -137,7 +137,8 @@ CIMQualifierArray ToQualifiers(const std::vector<syntax::Qualifier>& stated,
         const syntax::Name& name = qualifier.name;
         const CIMQualifierType* type = schema.FindQualifier(ToString(name.text));
         if (type == nullptr) {
-            throw Error(name.place, "unknown qualifier " + syntax::Quote(name.text));
+            throw Error(name.place, "unknown qualifier " + syntax::Quote(name.text) +
+                                        "; name the file that declares it before this one");
         }
         if (!MayStandOn(*type, kind)) {
             throw Error(name.place, "qualifier " + name.text + " cannot stand on " + kind.name);

@@ -107,13 +107,14 @@ TEST(Configuration, FileThatCannotBeReadIsNamedWithTheReason) {
         configuration.AddFile("/absent/my.conf");
         FAIL() << "nothing thrown";
     } catch (const ConfigurationError& error) {
-        EXPECT_STREQ(error.what(), "/absent/my.conf: No such file or directory");
+        EXPECT_STREQ(error.what(), "/absent/my.conf: No such file or directory; "
+                                   "name a configuration file that can be read");
     }
     try {
         configuration.AddFile("/");
         FAIL() << "nothing thrown";
     } catch (const ConfigurationError& error) {
-        EXPECT_STREQ(error.what(), "/: Is a directory");
+        EXPECT_STREQ(error.what(), "/: Is a directory; name a configuration file that can be read");
     }
 }
 

@@ -221,7 +221,8 @@ TEST_F(LogFile, OneThatCannotBeOpenedIsNamedAndTheOldOneGoesOn) {
         FAIL() << "nothing thrown";
     } catch (const std::runtime_error& error) {
         EXPECT_EQ(error.what(), "Cannot write the log " + (directory / "absent" / "log").string() +
-                                    ": No such file or directory");
+                                    ": No such file or directory; "
+                                    "log.main.location names a file that can be written");
     }
     log.Logger()->logError("1");
     EXPECT_EQ(LinesOf(file).size(), 1U);

@@ -117,11 +117,12 @@ TEST_F(Program, StartErrorsAreOneLineEach) {
     EXPECT_THAT(StartError({"--mof", mofFile, "--listen", "0.0.0.0:0"}),
                 HasSubstr("`0.0.0.0` can be reached from other machines"));
     EXPECT_THAT(StartError({"--config", "/absent.conf"}),
-                EndsWith("/absent.conf: No such file or directory\n"));
+                EndsWith("/absent.conf: No such file or directory; name a configuration file "
+                         "that can be read\n"));
     EXPECT_THAT(StartError({"--config", ConfigFile("# x\nnonsense\n")}),
                 EndsWith("my.conf:2: expected `name = value`\n"));
     EXPECT_THAT(StartError({"--mof", mofFile, "--provider-dir", "/absent"}),
-                HasSubstr("there is no directory /absent"));
+                HasSubstr("there is no directory /absent; name one that is there"));
 }
 
 TEST_F(Program, CheckOfTheConfigurationTellsAllAndEnds) {
@@ -256,14 +257,14 @@ TEST_F(Program, ConnectionsAreLimitedByTheConfiguration) {
     const auto port = server.WaitForPort();
     test_support::CimClient held(port);
     EXPECT_EQ(held.Request("GET", {}, "").status, 405);
-    EXPECT_TRUE(test_support::CimClient(port).IsClosedByServer());
+    EXPECT_EQ(test_support::CimClient(port).Receive().status, 503);
     EXPECT_THAT(server.WaitForText("Limit reached: cimserver.max_connections_per_address"),
                 HasSubstr(", client 127.0.0.1"));
     Running other(Serving({"--config", OpenConfigFile("http_server.max_connections = 1\n")}));
     const auto otherPort = other.WaitForPort();
     test_support::CimClient alsoHeld(otherPort);
     EXPECT_EQ(alsoHeld.Request("GET", {}, "").status, 405);
-    EXPECT_TRUE(test_support::CimClient(otherPort).IsClosedByServer());
+    EXPECT_EQ(test_support::CimClient(otherPort).Receive().status, 503);
     other.WaitForText("Limit reached: http_server.max_connections, client 127.0.0.1");
 }
 
@@ -285,7 +286,8 @@ TEST_F(Program, LogThatCannotBeWrittenIsAStartError) {
     EXPECT_THAT(
         StartError(Serving({"--config", OpenConfigFile("log.main.type = file\n"
                                                        "log.main.location = /absent/x\n")})),
-        HasSubstr("Cannot write the log /absent/x: No such file or directory"));
+        HasSubstr("Cannot write the log /absent/x: No such file or directory; "
+                  "log.main.location names a file that can be written"));
 }
 
 TEST_F(Program, WhatAProviderPrintsGoesToTheLogAtOnce) {

@@ -245,7 +245,8 @@ TEST_F(Managed, AFaultyFileLeavesEverythingAndEachMistakeIsLogged) {
     EXPECT_THAT(log, HasSubstr(start + file + ":2: expected `name = value`\n"));
     EXPECT_THAT(log, HasSubstr(start + file +
                                ":3: cimserver.request_log = maybe: expected true or false\n"));
-    EXPECT_THAT(log, HasSubstr(start + file + ": No such file or directory\n"));
+    EXPECT_THAT(log,
+                HasSubstr(start + file + ": No such file or directory; name a configuration file"));
     EXPECT_THAT(log, Not(HasSubstr("INFO")));
     EXPECT_THAT(log, HasSubstr(" REQUEST "));
 }
@@ -271,8 +272,9 @@ TEST_F(Managed, ALogThatCannotBeOpenedLeavesTheOldOne) {
     Configure("log.main.type = file\nlog.main.location = /absent/log\nlog.main.level = info\n");
     HangUp(server);
     ExpectStop(server);
-    EXPECT_THAT(server.Error(), HasSubstr("Configuration not taken: Cannot write the log "
-                                          "/absent/log: No such file or directory\n"));
+    EXPECT_THAT(server.Error(),
+                HasSubstr("Configuration not taken: Cannot write the log "
+                          "/absent/log: No such file or directory; log.main.location"));
     EXPECT_THAT(server.Error(), Not(HasSubstr("INFO")));
 }
 

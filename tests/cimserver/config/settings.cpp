@@ -154,13 +154,15 @@ TEST(Settings, AllMistakesAreCollectedInTheOrderOfTheFile) {
         ElementsAre("--listen: http_server.http_port = x: expected a whole number from -1 to 65535",
                     "my.conf:1: log.main.level = loud: expected fatal, error, info or debug",
                     "my.conf:2: expected `name = value`",
-                    "my.conf:3: cimserver.mof_files = /absent.mof: there is no file /absent.mof"));
+                    "my.conf:3: cimserver.mof_files = /absent.mof: there is no file /absent.mof; "
+                    "name one that is there"));
 }
 
 TEST(Settings, ThePlaceOfTheProvidersMayBeGivenAndNeedNotExistOtherwise) {
     EXPECT_EQ(Error(""), "no error");
     EXPECT_EQ(Error("cppprovifc.prov_location = /absent"),
-              "my.conf:2: cppprovifc.prov_location = /absent: there is no directory /absent");
+              "my.conf:2: cppprovifc.prov_location = /absent: there is no directory /absent; "
+              "name one that is there");
 }
 
 TEST(Settings, EveryItemHasAMeaningAndANameOfItsOwn) {
@@ -199,7 +201,8 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"http_server.http_port = 5988x", portRange},
         Row{"http_server.listen_addresses = localhost",
             "`localhost` is no numeric IPv4 or IPv6 address"},
-        Row{"cppprovifc.prov_location = /tmp:/absent/dir", "there is no directory /absent/dir"},
+        Row{"cppprovifc.prov_location = /tmp:/absent/dir",
+            "there is no directory /absent/dir; name one that is there"},
         Row{"cppprovifc.prov_TTL = soon", idleRange}, Row{"cppprovifc.prov_TTL = -2", idleRange},
         Row{"http_server.max_connections = 0", "expected a whole number from 1 to 10000"},
         Row{"cimserver.max_header_bytes = 61441", "expected a whole number from 256 to 61440"},

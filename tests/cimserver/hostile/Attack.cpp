@@ -8,7 +8,9 @@
 #include <algorithm>
 #include <chrono>
 #include <exception>
+#include <memory>
 #include <stdexcept>
+#include <utility>
 
 namespace hostile {
 
@@ -18,6 +20,11 @@ std::string NamesOf(const std::string& className) {
     return test_support::IntrinsicCall("EnumerateInstanceNames",
                                        R"(<IPARAMVALUE NAME="ClassName"><CLASSNAME NAME=")" +
                                            className + R"("/></IPARAMVALUE>)");
+}
+
+std::vector<std::string> WithShelf(std::vector<std::string> arguments) {
+    arguments.insert(arguments.end(), {"--provider-dir", SHELF_PROVIDERS, "--mof", SHELF_MOF});
+    return arguments;
 }
 
 bool IsAnswer(const std::string& body) {
@@ -53,7 +60,7 @@ int StatusAfter(test_support::CimClient& client, std::string_view bytes) {
     }
 }
 
-GoodClient::GoodClient(std::uint16_t port) : client_(port), thread_([this] { Ask(); }) {
+GoodClient::GoodClient(Ask ask) : ask_(std::move(ask)), thread_([this] { Run(); }) {
 }
 
 GoodClient::~GoodClient() {
@@ -61,17 +68,17 @@ GoodClient::~GoodClient() {
     thread_.join();
 }
 
-void GoodClient::Ask() {
+void GoodClient::Run() {
     const std::string question = SmallQuestion();
     try {
         while (!mayEnd_) {
             const auto start = std::chrono::steady_clock::now();
-            const test_support::HttpAnswer answer = client_.Post(question);
+            const std::string answer = ask_(question);
             const auto time = std::chrono::duration_cast<std::chrono::milliseconds>(
                 std::chrono::steady_clock::now() - start);
             longest_ = std::max(longest_.load(), time);
-            if (!IsAnswer(answer.body)) {
-                throw std::runtime_error(answer.body);
+            if (!IsAnswer(answer)) {
+                throw std::runtime_error(answer);
             }
             ++answers_;
             // It shares the machine with the attack.
@@ -83,14 +90,21 @@ void GoodClient::Ask() {
 }
 
 Attack::Attack()
-    : server_({"--provider-dir", SHELF_PROVIDERS, "--mof", SHELF_MOF}), good_(server_.Port()) {
+    : Attack({}, [](const test_support::ServerProcess& server) -> Ask {
+          return [client = std::make_shared<test_support::CimClient>(server.Port())](
+                     const std::string& question) { return client->Post(question).body; };
+      }) {
+}
+
+Attack::Attack(const std::vector<std::string>& arguments, NewClient newClient)
+    : newClient_(std::move(newClient)), server_(WithShelf(arguments)), good_(newClient_(server_)) {
     EXPECT_TRUE(test_support::ComesTrue([this] { return good_.Answers() > 0; }));
     threads_ = server_.Threads();
     descriptors_ = server_.OpenDescriptors();
 }
 
 Attack::~Attack() {
-    EXPECT_TRUE(IsAnswer(test_support::CimClient(Port()).Post(SmallQuestion()).body));
+    EXPECT_TRUE(IsAnswer(newClient_(server_)(SmallQuestion())));
     EXPECT_EQ(server_.Zombies(), 0U);
 }
 

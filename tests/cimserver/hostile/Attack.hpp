@@ -12,13 +12,17 @@
 #include <string>
 #include <string_view>
 #include <thread>
+#include <vector>
 
 namespace hostile {
 
-/// Asks the same question again and again on one connection, from construction to destruction.
+/// Posts a question on a connection of its own, which it keeps, and returns the answer's body.
+using Ask = std::function<std::string(const std::string& question)>;
+
+/// Asks the same question again and again, from construction to destruction.
 class GoodClient {
 public:
-    explicit GoodClient(std::uint16_t port);
+    explicit GoodClient(Ask ask);
     ~GoodClient();
     GoodClient(const GoodClient&) = delete;
     GoodClient& operator=(const GoodClient&) = delete;
@@ -28,9 +32,9 @@ public:
     std::chrono::milliseconds LongestAnswer() { return longest_.exchange({}); }
 
 private:
-    void Ask();
+    void Run();
 
-    test_support::CimClient client_;
+    const Ask ask_;
     std::atomic<unsigned> answers_ = 0;
     std::atomic<std::chrono::milliseconds> longest_{};
     std::atomic<bool> mayEnd_ = false;
@@ -39,18 +43,25 @@ private:
 
 class Attack : public testing::Test {
 protected:
+    using NewClient = std::function<Ask(const test_support::ServerProcess&)>;
+
+    /// Everybody is let in.
     Attack();
-    /// The server still serves newcomers, and ends with 0.
+    /// `newClient` makes the good client, and one more at the end.
+    Attack(const std::vector<std::string>& arguments, NewClient newClient);
+    /// The server still serves newcomers, and leaves no children behind.
     ~Attack() override;
 
     /// Attacks twice. Meanwhile the good client is answered; after each time the threads and
     /// descriptors are as before, and after the second as much memory is used as after the first.
     void Suffer(const std::function<void()>& attack);
     std::uint16_t Port() const { return server_.Port(); }
+    std::uint16_t TlsPort() const { return server_.TlsPort(); }
 
 private:
     void Calm();
 
+    const NewClient newClient_;
     test_support::ServerProcess server_;
     GoodClient good_;
     std::size_t threads_ = 0;

@@ -259,10 +259,15 @@ public:
     bool IsServed() const {
         constexpr std::string_view request =
             "POST / HTTP/1.1\r\nHost: h\r\nContent-Length: 0\r\n\r\n";
-        char byte = 0;
-        return send(socket_, request.data(), request.size(), MSG_NOSIGNAL) ==
-                   static_cast<ssize_t>(request.size()) &&
-               recv(socket_, &byte, 1, 0) == 1;
+        if (send(socket_, request.data(), request.size(), MSG_NOSIGNAL) !=
+            static_cast<ssize_t>(request.size())) {
+            return false;
+        }
+        std::string head;
+        for (char byte = 0; !head.ends_with("\r\n\r\n") && recv(socket_, &byte, 1, 0) == 1;) {
+            head += byte;
+        }
+        return head.starts_with("HTTP/1.1 200");
     }
 
 private:

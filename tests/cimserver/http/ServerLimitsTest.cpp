@@ -99,13 +99,15 @@ bool IsServed(std::uint16_t port) {
     }
 }
 
-TEST(HttpLimits, AConnectionAboveTheLimitIsClosedUntilThereIsRoom) {
+TEST(HttpLimits, AConnectionAboveTheLimitIsRefusedUntilThereIsRoom) {
     Settings settings = WithBodyLimit(1000);
     settings.maxConnections = 1;
     Server server(settings, &Nothing);
     auto first = std::make_unique<CimClient>(server.Port());
     EXPECT_EQ(first->Request("POST", {}, "").status, 200);
-    EXPECT_TRUE(CimClient(server.Port()).IsClosedByServer());
+    CimClient second(server.Port());
+    EXPECT_EQ(second.Receive().status, 503);
+    EXPECT_TRUE(second.IsClosedByServer());
     EXPECT_EQ(first->Request("POST", {}, "").status, 200);
     first.reset();
     const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(20);
@@ -114,6 +116,23 @@ TEST(HttpLimits, AConnectionAboveTheLimitIsClosedUntilThereIsRoom) {
         isServed = IsServed(server.Port());
     }
     EXPECT_TRUE(isServed);
+}
+
+TEST(HttpLimits, WhatAConnectionAboveTheLimitAsksIsNotDone) {
+    Settings settings = WithBodyLimit(1000);
+    settings.maxConnections = 1;
+    Counting counting;
+    Server server(settings, std::ref(counting));
+    CimClient first(server.Port());
+    EXPECT_EQ(first.Request("POST", {}, "").status, 200);
+    for (int i = 0; i < 50; ++i) {
+        try {
+            EXPECT_EQ(CimClient(server.Port()).Request("POST", {}, "").status, 503);
+        } catch (const std::runtime_error&) {
+            // closed before it had sent its request
+        }
+    }
+    EXPECT_EQ(counting.calls, 1);
 }
 
 TEST(HttpLimits, AnIdleConnectionIsClosed) {

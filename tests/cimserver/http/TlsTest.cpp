@@ -5,6 +5,7 @@
 #include "cimserver/http/Http.hpp"
 #include "cimserver/http/SelfSigned.hpp"
 #include "support/CimClient.hpp"
+#include "support/TlsClient.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -26,61 +27,9 @@ using cimserver::http::Settings;
 using http_test::Answer;
 using http_test::Pattern;
 using http_test::SecretFiles;
+using test_support::TlsClient;
 using testing::HasSubstr;
-
-struct Outcome {
-    CURLcode code = CURLE_OK;
-    long status = 0;
-    std::string body;
-    std::string certificate; ///< of the server, as lines of text
-    long connections = 0;    ///< made for this request
-};
-
-std::size_t Keep(char* data, std::size_t size, std::size_t count, void* text) {
-    static_cast<std::string*>(text)->append(data, size * count);
-    return size * count;
-}
-
-/// One client with one connection that it keeps.
-class TlsClient {
-public:
-    explicit TlsClient(std::uint16_t port) : curl_(curl_easy_init()) {
-        const std::string url = "https://127.0.0.1:" + std::to_string(port) + "/";
-        curl_easy_setopt(curl_, CURLOPT_URL, url.c_str());
-        curl_easy_setopt(curl_, CURLOPT_NOPROXY, "*");
-        curl_easy_setopt(curl_, CURLOPT_SSL_VERIFYPEER, 0L);
-        curl_easy_setopt(curl_, CURLOPT_SSL_VERIFYHOST, 0L);
-        curl_easy_setopt(curl_, CURLOPT_CERTINFO, 1L);
-        curl_easy_setopt(curl_, CURLOPT_TIMEOUT, 30L);
-        curl_easy_setopt(curl_, CURLOPT_WRITEFUNCTION, &Keep);
-    }
-    ~TlsClient() { curl_easy_cleanup(curl_); }
-    TlsClient(const TlsClient&) = delete;
-    TlsClient& operator=(const TlsClient&) = delete;
-
-    CURL* Handle() { return curl_; }
-
-    Outcome Post(const std::string& body) {
-        Outcome outcome;
-        curl_easy_setopt(curl_, CURLOPT_WRITEDATA, &outcome.body);
-        curl_easy_setopt(curl_, CURLOPT_POSTFIELDS, body.c_str());
-        curl_easy_setopt(curl_, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(body.size()));
-        outcome.code = curl_easy_perform(curl_);
-        curl_easy_getinfo(curl_, CURLINFO_RESPONSE_CODE, &outcome.status);
-        curl_easy_getinfo(curl_, CURLINFO_NUM_CONNECTS, &outcome.connections);
-        curl_certinfo* info = nullptr;
-        curl_easy_getinfo(curl_, CURLINFO_CERTINFO, &info);
-        for (int i = 0; info != nullptr && i < info->num_of_certs; ++i) {
-            for (const curl_slist* line = info->certinfo[i]; line != nullptr; line = line->next) {
-                outcome.certificate += std::string(line->data) + "\n";
-            }
-        }
-        return outcome;
-    }
-
-private:
-    CURL* curl_;
-};
+using Outcome = test_support::TlsOutcome;
 
 class HttpTls : public testing::Test {
 protected:
@@ -210,6 +159,15 @@ TEST_F(HttpTls, AHandshakeThatDoesNotComeIsNotWaitedForLonger) {
     EXPECT_TRUE(silent.IsClosedByServer());
     EXPECT_TRUE(slow.IsClosedByServer());
     EXPECT_EQ(TlsClient(server.Port()).Post("x").body, "x");
+}
+
+TEST_F(HttpTls, AConnectionAboveTheLimitIsClosedBeforeTheHandshake) {
+    settings.maxConnections = 1;
+    Server server(settings, &Echo);
+    TlsClient first(server.Port());
+    EXPECT_EQ(first.Post("x").body, "x");
+    EXPECT_TRUE(test_support::CimClient(server.Port()).IsClosedByServer());
+    EXPECT_EQ(first.Post("y").body, "y");
 }
 
 TEST_F(HttpTls, NoRequestIsTakenWithoutIt) {

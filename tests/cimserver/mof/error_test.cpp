@@ -154,7 +154,8 @@ TEST(MofMistakes, InTypesAreToldWithTheirPlace) {
 }
 
 constexpr Mistake inQualifiers[] = {
-    {"class A { [Kee] string X; };", "1:12: unknown qualifier 'Kee'"},
+    {"class A { [Kee] string X; };",
+     "1:12: unknown qualifier 'Kee'; name the file that declares it before this one"},
     {"[Key] class A { };", "1:2: qualifier Key cannot stand on a class"},
     {"[Abstract, Key, Association] class A { };", "1:12: qualifier Key cannot stand on an "
                                                   "association"},
@@ -186,8 +187,10 @@ TEST(MofMistakes, InQualifiersAreToldWithTheirPlace) {
 
 constexpr Mistake inClasses[] = {
     {"class A { };\nclass a { };", "2:7: class a is declared already"},
-    {"class A : B { };", "1:11: unknown superclass 'B'"},
-    {"class A : A { };", "1:11: unknown superclass 'A'"},
+    {"class A : B { };",
+     "1:11: unknown superclass 'B'; name the file that declares it before this one"},
+    {"class A : A { };",
+     "1:11: unknown superclass 'A'; name the file that declares it before this one"},
     {"class A { string X; uint8 x; };", "1:27: property x is declared already"},
     {"class A { string M(); string M(uint8 P); };", "1:30: method M is declared already"},
     {"class A { string M(uint8 P, uint8 p); };", "1:35: parameter p is declared already"},
