@@ -3,6 +3,7 @@
 
 #include "bench/HttpClient.hpp"
 #include "bench/Measure.hpp"
+#include "bench/Statistics.hpp"
 #include "bench/Tool.hpp"
 #include "tests/support/CimClient.hpp"
 #include "tests/support/server/ServerProcess.hpp"
@@ -26,19 +27,12 @@
 namespace {
 
 using bench::LeanTool;
+using bench::Median;
+using bench::MillisecondsSince;
 using bench::Row;
 using bench::Tool;
 using test_support::ServerProcess;
 using Clock = std::chrono::steady_clock;
-
-double MillisecondsSince(Clock::time_point start) {
-    return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
-}
-
-double Median(std::vector<double> figures) {
-    std::sort(figures.begin(), figures.end());
-    return figures[figures.size() / 2];
-}
 
 std::string GetPackage() {
     return test_support::IntrinsicCall(

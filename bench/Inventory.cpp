@@ -4,6 +4,7 @@
 #include "bench/HttpClient.hpp"
 #include "bench/HttpFloor.hpp"
 #include "bench/Measure.hpp"
+#include "bench/Statistics.hpp"
 #include "bench/Table.hpp"
 #include "bench/Tool.hpp"
 #include "provider/common/Common.hpp"
@@ -23,6 +24,7 @@
 
 namespace {
 
+using bench::Median;
 using bench::Row;
 using bench::Tool;
 
@@ -121,11 +123,6 @@ double StartToFirstAnswer(Tool& tool) {
     const std::chrono::duration<double, std::milli> time =
         std::chrono::steady_clock::now() - before;
     return time.count();
-}
-
-double Median(std::vector<double> figures) {
-    std::sort(figures.begin(), figures.end());
-    return figures[figures.size() / 2];
 }
 
 void AddRows(std::vector<Row>& rows, const bench::Times& times, int count,

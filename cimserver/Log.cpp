@@ -96,66 +96,66 @@ std::string LineOf(const RequestRecord& record) {
     return line;
 }
 
-/// A place for lines, each of which is one write.
-class DescriptorSink final : public spdlog::sinks::base_sink<std::mutex> {
-public:
-    explicit DescriptorSink(const std::filesystem::path& file) : descriptor_(Open(file)) {}
-    ~DescriptorSink() override { Close(descriptor_); }
-    DescriptorSink(const DescriptorSink&) = delete;
-    DescriptorSink& operator=(const DescriptorSink&) = delete;
-
-    void Reopen(const std::filesystem::path& file) {
-        int descriptor = Open(file);
-        {
-            const std::lock_guard lock(mutex_);
-            std::swap(descriptor, descriptor_);
-        }
-        Close(descriptor);
-    }
-
-protected:
-    void sink_it_(const spdlog::details::log_msg& message) override {
-        spdlog::memory_buf_t line;
-        formatter_->format(message, line);
-        const char* next = line.data();
-        for (std::size_t left = line.size(); left != 0;) {
-            const ssize_t written = write(descriptor_, next, left);
-            if (written < 0 && errno != EINTR) {
-                return; // there is nowhere to tell of it
-            }
-            next += std::max<ssize_t>(written, 0);
-            left -= static_cast<std::size_t>(std::max<ssize_t>(written, 0));
-        }
-    }
-    void flush_() override {}
-
-private:
-    static int Open(const std::filesystem::path& file) {
-        if (file.empty()) {
-            return STDERR_FILENO;
-        }
-        const int descriptor =
-            open(file.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NOCTTY, 0640);
-        if (descriptor < 0) {
-            throw std::runtime_error("Cannot write the log " + file.string() + ": " +
-                                     std::strerror(errno) +
-                                     "; log.main.location names a file that can be written");
-        }
-        return descriptor;
-    }
-    static void Close(int descriptor) {
-        if (descriptor != STDERR_FILENO) {
-            close(descriptor);
-        }
-    }
-
-    int descriptor_;
-};
-
 } // namespace
 
 /// What all loggers share.
 class Log::Output {
+    /// A place for lines, each of which is one write.
+    class DescriptorSink final : public spdlog::sinks::base_sink<std::mutex> {
+    public:
+        explicit DescriptorSink(const std::filesystem::path& file) : descriptor_(Open(file)) {}
+        ~DescriptorSink() override { Close(descriptor_); }
+        DescriptorSink(const DescriptorSink&) = delete;
+        DescriptorSink& operator=(const DescriptorSink&) = delete;
+
+        void Reopen(const std::filesystem::path& file) {
+            int descriptor = Open(file);
+            {
+                const std::lock_guard lock(mutex_);
+                std::swap(descriptor, descriptor_);
+            }
+            Close(descriptor);
+        }
+
+    protected:
+        void sink_it_(const spdlog::details::log_msg& message) override {
+            spdlog::memory_buf_t line;
+            formatter_->format(message, line);
+            const char* next = line.data();
+            for (std::size_t left = line.size(); left != 0;) {
+                const ssize_t written = write(descriptor_, next, left);
+                if (written < 0 && errno != EINTR) {
+                    return; // there is nowhere to tell of it
+                }
+                next += std::max<ssize_t>(written, 0);
+                left -= static_cast<std::size_t>(std::max<ssize_t>(written, 0));
+            }
+        }
+        void flush_() override {}
+
+    private:
+        static int Open(const std::filesystem::path& file) {
+            if (file.empty()) {
+                return STDERR_FILENO;
+            }
+            const int descriptor =
+                open(file.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NOCTTY, 0640);
+            if (descriptor < 0) {
+                throw std::runtime_error("Cannot write the log " + file.string() + ": " +
+                                         std::strerror(errno) +
+                                         "; log.main.location names a file that can be written");
+            }
+            return descriptor;
+        }
+        static void Close(int descriptor) {
+            if (descriptor != STDERR_FILENO) {
+                close(descriptor);
+            }
+        }
+
+        int descriptor_;
+    };
+
 public:
     Output(OpenWBEM::ELogLevel level, const std::filesystem::path& file)
         : sink_(std::make_shared<DescriptorSink>(file)), lines_("cimserver", sink_), level_(level) {
