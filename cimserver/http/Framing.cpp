@@ -1,6 +1,9 @@
 #include "cimserver/http/Framing.hpp"
 
 #include <algorithm>
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
 #include <strings.h>
 
 namespace cimserver::http {
@@ -29,7 +32,28 @@ bool HasBlank(const Header& header) {
     return header.name.find_first_of(" \t") != std::string::npos;
 }
 
+/// Without the port, and an IPv6 address without its brackets (RFC 3986, 3.2.2).
+std::string HostIn(const std::string& value) {
+    const std::size_t bracket = value.find(']');
+    if (value.starts_with('[') && bracket != std::string::npos) {
+        return value.substr(1, bracket - 1);
+    }
+    return value.substr(0, value.find(':'));
+}
+
 } // namespace
+
+bool IsForThisMachine(const Request& request) {
+    const auto values = ValuesOf(request, "Host");
+    return std::all_of(values.begin(), values.end(), [](const std::string& value) {
+        const std::string host = HostIn(value);
+        in_addr four{};
+        in6_addr six{};
+        return host.empty() || strcasecmp(host.c_str(), "localhost") == 0 ||
+               inet_pton(AF_INET, host.c_str(), &four) == 1 ||
+               inet_pton(AF_INET6, host.c_str(), &six) == 1;
+    });
+}
 
 std::optional<int> FramingFault(const Request& request, std::string_view version) {
     const bool isOld = version == "HTTP/1.0";

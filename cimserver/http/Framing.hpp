@@ -14,4 +14,8 @@ namespace cimserver::http {
 /// (400), another coding than chunked (501), and none of both where a body is expected (411).
 std::optional<int> FramingFault(const Request& request, std::string_view version);
 
+/// The Host of a request is a numeric address, `localhost`, empty or absent. A web page whose own
+/// name was made to lead to this machine (DNS rebinding) cannot have its browser send such a one.
+bool IsForThisMachine(const Request& request);
+
 } // namespace cimserver::http

@@ -83,7 +83,7 @@ TEST_F(Stop, IdleConnectionsDoNotHoldItUp) {
     StartServer("cimserver.stop_seconds = 1000\n");
     const test_support::CimClient silent(Server().Port());
     test_support::CimClient half(Server().Port());
-    half.Send("POST /cimom HTTP/1.1\r\nHost: h\r\nContent-Len");
+    half.Send("POST /cimom HTTP/1.1\r\nHost: localhost\r\nContent-Len");
     EXPECT_THAT(EnumerateInventory(), HasSubstr("<VALUE>one</VALUE>"));
     EXPECT_EQ(Server().Stop(), 0);
 }

@@ -58,6 +58,8 @@ Section HttpRows() {
             {"method `M-GET`", good.Method("M-GET"), Status(405)},
             {"no `Host`", good.Without("Host"), Status(400)},
             {"two `Host`", good.Adding("Host", "localhost"), Status(400)},
+            {"a `Host` that is neither an address nor `localhost`, where nobody has to log in",
+             good.With("Host", "rebound.example"), Status(421)},
             {"a blank before a header's colon", good.Adding("X-A ", "1"), Status(400)},
             {"`Content-Length` twice, equal", good.Body("").Adding("Content-Length", "0"),
              Status(400)},

@@ -43,7 +43,7 @@ std::string LargeQuestion() {
 }
 
 std::string Posted(const std::string& body, std::string_view moreHeaders) {
-    std::string text = "POST /cimom HTTP/1.1\r\nHost: h\r\nCIMOperation: MethodCall\r\n";
+    std::string text = "POST /cimom HTTP/1.1\r\nHost: localhost\r\nCIMOperation: MethodCall\r\n";
     for (const auto& [name, value] : test_support::CallHeaders(body)) {
         text.append(name).append(": ").append(value).append("\r\n");
     }

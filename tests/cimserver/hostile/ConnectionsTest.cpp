@@ -54,8 +54,9 @@ TEST_F(HostileConnections, ThatSendTheirHeadersSlowly) {
 TEST_F(HostileConnections, ThatSendTheirBodySlowly) {
     Suffer([this] {
         auto connections = Connect(Port(), 20);
-        SendSlowly(connections, "POST / HTTP/1.1\r\nHost: h\r\nContent-Length: 100000\r\n\r\n" +
-                                    SmallQuestion().substr(0, 200));
+        SendSlowly(connections,
+                   "POST / HTTP/1.1\r\nHost: localhost\r\nContent-Length: 100000\r\n\r\n" +
+                       SmallQuestion().substr(0, 200));
     });
 }
 

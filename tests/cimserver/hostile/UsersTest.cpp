@@ -104,7 +104,7 @@ TEST_F(HostileToUsers, WhoHoldsARequestBeyondItsTimeIsToldSo) {
         std::vector<std::unique_ptr<CimClient>> held;
         for (int i = 0; i < 40; ++i) {
             held.push_back(std::make_unique<CimClient>(Port()));
-            held.back()->Send("POST /cimom HTTP/1.1\r\nHost: h\r\nContent-Le");
+            held.back()->Send("POST /cimom HTTP/1.1\r\nHost: localhost\r\nContent-Le");
         }
         for (const auto& client : held) {
             EXPECT_EQ(client->Receive().status, 408);
