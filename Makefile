@@ -40,7 +40,7 @@ check: ## formatting and static checks
 	@scripts/require-packages build run test check
 	@scripts/check
 
-ci: ## everything before landing: test, sanitize, check, and the demo as an ordinary user
+ci: ## everything before landing: test, sanitize, check, the demo as an ordinary user, and as root packages-test
 	@scripts/ci
 
 matrix: ## every operation and method in every situation: carry them out, then print them
