@@ -95,8 +95,12 @@ class WithACompiler(Registration):
     def test_missing_mof(self):
         self.assertEqual(self.run_script("--mof", self.folder / "none.mof", "list").returncode, 1)
 
-    def test_help(self):
-        self.assertIn("load|reload|list|remove", self.succeeds("--help"))
+    def test_help_and_manual_page_name_the_same_options(self):
+        told = self.succeeds("--help")
+        self.assertIn("load|reload|list|remove", told)
+        page = (SOURCE / "packaging/man/register-software-update-provider.8").read_text().replace("\\-", "-")
+        described = re.findall(r"^\.BI? (--[a-z-]+)", page, re.MULTILINE)
+        self.assertEqual(sorted(set(re.findall(r"^  (--[a-z-]+)", told, re.MULTILINE))), sorted(set(described)))
 
 
 class WithCimserver(Registration):
