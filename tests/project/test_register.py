@@ -99,8 +99,8 @@ class WithACompiler(Registration):
         told = self.succeeds("--help")
         self.assertIn("load|reload|list|remove", told)
         page = (SOURCE / "packaging/man/register-software-update-provider.8").read_text().replace("\\-", "-")
-        described = re.findall(r"^\.BI? (--[a-z-]+)", page, re.MULTILINE)
-        self.assertEqual(sorted(set(re.findall(r"^  (--[a-z-]+)", told, re.MULTILINE))), sorted(set(described)))
+        described = re.findall(r"^\.It Fl (-[a-z-]+)", page, re.MULTILINE)
+        self.assertEqual(sorted(set(re.findall(r"^  (--[a-z-]+)", told, re.MULTILINE))), sorted(f"-{name}" for name in described))
 
 
 class WithCimserver(Registration):
