@@ -4,11 +4,12 @@ SHELL := /bin/bash
 .DEFAULT_GOAL := help
 JOBS ?= $(shell nproc)
 PORT ?= 5988
+PREFIX ?= /usr/local
 
-.PHONY: help build demo serve test sanitize check ci matrix mutants fuzz bench format clean
+.PHONY: help build demo serve test sanitize check ci matrix mutants fuzz bench install packages packages-test format clean
 
 help: ## list the commands
-	@grep -hE '^[a-z-]+:.*## ' Makefile | sed -E 's/:[^#]*## /\t/' | expand -t 12
+	@grep -hE '^[a-z-]+:.*## ' Makefile | sed -E 's/:[^#]*## /\t/' | expand -t 15
 
 build: ## build the server, the library and the tool into build/bin and build/lib
 	@scripts/require-packages build
@@ -39,7 +40,7 @@ check: ## formatting and static checks
 	@scripts/require-packages build run test check
 	@scripts/check
 
-ci: ## everything before landing: test, sanitize, check, and the demo as an ordinary user
+ci: ## everything before landing: test, sanitize, check, the demo as an ordinary user, and as root packages-test
 	@scripts/ci
 
 matrix: ## every operation and method in every situation: carry them out, then print them
@@ -61,6 +62,19 @@ bench: ## measure against the floor: a table here, build/bench.json beside it
 	@scripts/require-packages build run bench
 	@scripts/build bench
 	@scripts/bench
+
+install: ## build, and install below PREFIX (/usr/local), or with DESTDIR= below that folder
+	@scripts/require-packages build
+	@scripts/build release
+	@DESTDIR="$(DESTDIR)" scripts/install "$(PREFIX)"
+
+packages: ## build the Debian packages into build/packages, and have lintian look at them
+	@scripts/require-packages build packages
+	@scripts/packages
+
+packages-test: ## as root: install the packages in a clean Debian tree, run the job there, remove them again
+	@scripts/require-packages build packages
+	@scripts/packages-test
 
 format: ## rewrite all sources in the project's format
 	@scripts/require-packages check

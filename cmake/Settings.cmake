@@ -36,6 +36,9 @@ target_compile_options(project_settings INTERFACE -fno-semantic-interposition)
 target_compile_options(project_settings INTERFACE
     $<$<CONFIG:RelWithDebInfo>:-ffunction-sections -fdata-sections>)
 target_link_options(project_settings INTERFACE $<$<CONFIG:RelWithDebInfo>:-Wl,--gc-sections>)
+# Exceptions and debug information carry source files: their paths from the root, not those of the building machine.
+target_compile_options(project_settings INTERFACE
+    $<$<CONFIG:RelWithDebInfo>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=>)
 
 if(SANITIZE)
     target_compile_options(project_settings INTERFACE

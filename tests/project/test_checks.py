@@ -6,6 +6,7 @@ import unittest
 
 import check_layers
 import check_oddities
+import check_version
 
 
 class Tree(unittest.TestCase):
@@ -81,6 +82,24 @@ class Layers(Tree):
 
     def test_the_tool_knows_no_cim(self):
         self.assertEqual(len(self.problems_of("patchkeeper/A.cpp", "OW_String.hpp")), 1)
+
+
+class Version(Tree):
+    def problems_of(self, changes, told):
+        self.write("CMakeLists.txt", "cmake_minimum_required(VERSION 3.25.0)\nproject(A\n    VERSION 1.2.3)\n")
+        self.write("CHANGELOG.md", f"# Changes\n\n## {changes}, not released\n\n## 0.9.0\n")
+        self.write("program", f"#!/bin/sh\necho program {told}\n")
+        (self.root / "program").chmod(0o755)
+        return check_version.problems(self.root, [str(self.root / "program")])
+
+    def test_one_number_everywhere(self):
+        self.assertEqual(self.problems_of("1.2.3", "1.2.3"), [])
+
+    def test_other_number_in_the_changes(self):
+        self.assertEqual(len(self.problems_of("1.2.4", "1.2.3")), 1)
+
+    def test_program_that_tells_another_number(self):
+        self.assertEqual(len(self.problems_of("1.2.3", "1.2.30")), 1)
 
 
 if __name__ == "__main__":

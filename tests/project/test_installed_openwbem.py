@@ -65,11 +65,21 @@ class Installation(unittest.TestCase):
         for folder in ("openwbem", "cimserver", "patchkeeper"):
             self.assertFalse((self.folder / "build" / folder).exists(), folder)
 
-    def test_library_is_taken_by_a_server(self):
-        library = self.builds_with("clang++")
+    def install(self):
+        """Into the installation itself, where its server looks for libraries."""
+        done = run("cmake", "--install", self.folder / "build")
+        self.assertEqual(done.returncode, 0, done.stdout + done.stderr)
+        listed = run(self.root / "sbin/register-software-update-provider", "list")
+        self.assertEqual((listed.returncode, len(listed.stdout.splitlines())), (0, 9), listed.stderr)
+        return self.root / "lib/openwbem/c++providers", self.root / "share/software-update-provider"
+
+    def test_library_is_taken_by_a_server_where_it_is_installed(self):
+        self.builds_with("clang++")
+        providers, classes = self.install()
+        self.assertEqual([entry.name for entry in providers.iterdir()], ["libSoftwareUpdateProvider.so"])
         server = subprocess.Popen(
-            [SERVER, "--config", self.config(), "--listen", "127.0.0.1:0", "--provider-dir", library.parent, "--mof",
-             SOURCE / "schema/qualifiers.mof", SOURCE / "schema/ZNX.mof"], stderr=subprocess.PIPE, text=True)
+            [SERVER, "--config", self.config(), "--listen", "127.0.0.1:0", "--provider-dir", providers, "--mof",
+             classes / "qualifiers.mof", classes / "ZNX.mof"], stderr=subprocess.PIPE, text=True)
         self.addCleanup(lambda: (server.kill(), server.wait(), server.stderr.close()))
         line = server.stderr.readline()
         self.assertIn("Listening on http://127.0.0.1:", line)
