@@ -262,6 +262,12 @@ class Library(unittest.TestCase):
         self.assertEqual([entry for entry in written if entry[1]],
                          re.findall(r"^\| `(SWU_\w+)` \| (\d+) \|", table, re.MULTILINE))
 
+    def test_the_operations_that_are_said_to_be_covered(self):
+        rows = (SOURCE / "docs/standards.md").read_text(encoding="utf-8").splitlines()
+        covered = next(row for row in rows if "over HTTP: operations" in row).split(" | ")[1]
+        source = (SOURCE / "cimserver/cimxml/CallReader.cpp").read_text(encoding="utf-8")
+        self.assertEqual(covered.split(";")[0].split(", "), re.findall(r'^    \{"(\w+)", &Read', source, re.MULTILINE))
+
     def test_the_reference_is_what_the_script_makes(self):
         self.assertEqual((SOURCE / "docs/reference.md").read_text(encoding="utf-8"), reference.page(SERVER))
 
