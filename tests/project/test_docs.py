@@ -116,7 +116,7 @@ class World:
         (self.results / "typed").write_text(typed, encoding="utf-8")
         environment = {name: value for name, value in os.environ.items()
                        if name != "PATCHKEEPER_ROOT" and not name.lower().endswith("_proxy")}
-        with subprocess.Popen(["scripts/with-qv", "build/bin/patchkeeper", "bwrap", "--dev-bind", "/", "/",
+        with subprocess.Popen([SOURCE / "scripts/with-qv", "build/bin/patchkeeper", "bwrap", "--dev-bind", "/", "/",
                                "--unshare-net", "--unshare-pid", "--proc", "/proc", "--", "bash", "-c", SCRIPT, "page",
                                self.results / "typed"],
                               cwd=self.tree, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
