@@ -1,4 +1,4 @@
-"""Every block marked `console` in README.md, CONTRIBUTING.md and docs/ runs as it stands; CONTRIBUTING.md has the rules.
+"""Every block marked `console` in README.md, CONTRIBUTING.md and docs/ runs as it stands, by the rules of the second.
 
 Arguments, before those of unittest: the folders of this build's programs and libraries.
 """

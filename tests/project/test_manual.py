@@ -210,6 +210,18 @@ class Items(unittest.TestCase):
             self.assertEqual(not default, row in ("not set", "none"), name)
 
 
+class Bundles(unittest.TestCase):
+    def test_items_of_the_manifest(self):
+        table = (SOURCE / "patchkeeper/bundle/README.md").read_text(encoding="utf-8").split("| item | value |")[1]
+        rows = re.findall(r"^\| ((?:`\w+`(?:, )?)+) \|", table.split("\n\n")[0], re.MULTILINE)
+        told = {name for row in rows for name in re.findall(r"\w+", row)}
+        section = Page("patchkeeper.1").section("BUNDLES")
+        written = {name for line in re.findall(r"^\.(?:It )?Li (.*)$", section, re.MULTILINE)
+                   for name in re.findall(r"\w+", line)}
+        self.assertGreater(len(told), 12)
+        self.assertEqual(written, told)
+
+
 class ExitCodes(unittest.TestCase):
     def test_those_of_the_tool_with_their_sentences(self):
         entries = re.findall(r"^\.It Li (\d+)\n(.*)$", Page("patchkeeper.1").section("EXIT STATUS"), re.MULTILINE)
