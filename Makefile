@@ -6,7 +6,7 @@ JOBS ?= $(shell nproc)
 PORT ?= 5988
 PREFIX ?= /usr/local
 
-.PHONY: help build demo serve test sanitize check ci matrix mutants fuzz bench install packages packages-test format clean
+.PHONY: help build demo serve test sanitize check ci matrix mutants fuzz coverage bench install packages packages-test format clean
 
 help: ## list the commands
 	@grep -hE '^[a-z-]+:.*## ' Makefile | sed -E 's/:[^#]*## /\t/' | expand -t 15
@@ -57,6 +57,11 @@ fuzz: ## feed the readers with what nobody thought of (SECONDS= for each of them
 	@scripts/require-packages build run test sanitize
 	@scripts/build fuzz fuzz_targets
 	@scripts/fuzz $(SECONDS)
+
+coverage: ## all tests once more, and which lines and branches of the sources they ran
+	@scripts/require-packages build run test coverage
+	@scripts/build coverage
+	@scripts/coverage
 
 bench: ## measure against the floor: a table here, build/bench.json beside it
 	@scripts/require-packages build run bench

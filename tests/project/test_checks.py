@@ -1,12 +1,16 @@
 """The checks of the tree find what they are there to find."""
 
+import json
 import pathlib
+import subprocess
 import tempfile
 import unittest
 
 import check_layers
 import check_oddities
 import check_version
+
+SCRIPTS = pathlib.Path(__file__).resolve().parents[2] / "scripts"
 
 
 class Tree(unittest.TestCase):
@@ -100,6 +104,34 @@ class Version(Tree):
 
     def test_program_that_tells_another_number(self):
         self.assertEqual(len(self.problems_of("1.2.3", "1.2.30")), 1)
+
+
+class Coverage(Tree):
+    @staticmethod
+    def line(number, count, branches=()):
+        return {"line_number": number, "count": count, "branches": [{"count": taken} for taken in branches]}
+
+    def report(self, least):
+        lines = [self.line(3, 1, (1, 0)), self.line(4, 0), self.line(5, 0), self.line(6, 7), self.line(9, 0)]
+        files = [{"file": "provider/a.cpp", "lines": lines}, {"file": "tests/a.cpp", "lines": [self.line(1, 0)]},
+                 {"file": "cimserver/b.cpp", "lines": [self.line(1, 1)] * 3}]
+        self.write("coverage.json", json.dumps({"files": files}))
+        return subprocess.run([SCRIPTS / "coverage-report", self.root / "coverage.json", str(least), "provider",
+                               "cimserver"], capture_output=True, text=True, check=False)
+
+    def test_lines_and_branches_are_counted_by_folder_and_in_all(self):
+        rows = [line.split() for line in self.report(60).stdout.splitlines()[1:4]]
+        self.assertEqual(rows, [["provider", "40.0", "%", "2", "of", "5", "50.0", "%", "1", "of", "2"],
+                                ["cimserver", "100.0", "%", "3", "of", "3", "0.0", "%", "0", "of", "0"],
+                                ["all", "62.5", "%", "5", "of", "8", "50.0", "%", "1", "of", "2"]])
+
+    def test_what_did_not_run_is_named(self):
+        self.assertTrue(self.report(60).stdout.endswith("\nLines that no test ran:\n  provider/a.cpp: 4-5, 9\n"))
+
+    def test_too_little_fails(self):
+        self.assertEqual(self.report(62).returncode, 0)
+        self.assertEqual(self.report(63).returncode, 1)
+        self.assertIn("62.50 %", self.report(63).stderr)
 
 
 if __name__ == "__main__":
