@@ -150,6 +150,22 @@ bool ConnectionWatch::RequestBegins(Connection& connection) {
     return connection.phase != Connection::Phase::expired;
 }
 
+bool ConnectionWatch::BeginPause(Connection& connection) {
+    const std::lock_guard lock(mutex_);
+    if (connection.phase == Connection::Phase::expired) {
+        return false;
+    }
+    connection.phase = Connection::Phase::paused;
+    connection.pausedSince = Clock::now();
+    return true;
+}
+
+void ConnectionWatch::EndPause(Connection& connection) {
+    const std::lock_guard lock(mutex_);
+    connection.phase = Connection::Phase::arriving;
+    connection.since += Clock::now() - connection.pausedSince;
+}
+
 bool ConnectionWatch::RequestIsWhole(Connection& connection) {
     const std::lock_guard lock(mutex_);
     if (connection.phase == Connection::Phase::expired) {

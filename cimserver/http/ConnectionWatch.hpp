@@ -34,7 +34,7 @@ public:
     static constexpr unsigned beyondLimits = 16;
 
     struct Connection {
-        enum class Phase { idle, arriving, answering, expired };
+        enum class Phase { idle, arriving, paused, answering, expired };
 
         int socket = -1;
         bool isPlain = true; ///< a status may be written to the socket as it is
@@ -42,6 +42,7 @@ public:
         Phase phase = Phase::arriving;
         bool isCounted = true;   ///< false: above a limit, told so and about to be closed
         Clock::time_point since; ///< of a request that arrives
+        Clock::time_point pausedSince;
         std::uint64_t bytes = 0; ///< received before the connection became idle
         std::list<Connection>::iterator self;
         /// What TLS of this connection uses, kept as long as it.
@@ -67,6 +68,10 @@ public:
     /// The first line is there. Without such a call a request begins with its first bytes, the
     /// first one of a connection with the connection. False when the connection is being ended.
     bool RequestBegins(Connection& connection);
+    /// What follows until EndPause is the server's time, not the client's. False when the request's
+    /// time was over before.
+    bool BeginPause(Connection& connection);
+    void EndPause(Connection& connection);
     /// The request is there, or an answer is being sent without the rest. False when its time was
     /// over before: then it gets no answer any more.
     bool RequestIsWhole(Connection& connection);

@@ -313,7 +313,13 @@ MHD_Result Server::Daemon::TakeHead(MHD_Connection* connection, const char* meth
         return Refuse(connection, MHD_HTTP_MISDIRECTED_REQUEST, exchange);
     }
     const std::uint64_t length = AnnouncedLength(connection);
-    if (!admission.Admits(exchange.request)) {
+    // A password may have to wait for others to be checked.
+    if (!watch->BeginPause(*Watched(connection))) {
+        return MHD_NO;
+    }
+    const bool isAdmitted = admission.Admits(exchange.request);
+    watch->EndPause(*Watched(connection));
+    if (!isAdmitted) {
         exchange.refused = true;
         const bool isRead = length <= settings.access.maxRefusedBodyBytes && !IsChunked(connection);
         return isRead ? MHD_YES : Refuse(connection, MHD_HTTP_UNAUTHORIZED, exchange);

@@ -1,4 +1,5 @@
-// A server with users and TLS, a second for each request to arrive, and clients that nobody let in.
+// A server with users and TLS, two seconds for each request to arrive, and clients that nobody let
+// in.
 #include "Attack.hpp"
 
 #include "patchkeeper/TemporaryDirectory.hpp"
@@ -33,7 +34,7 @@ public:
             << "simple_auth.password_file = " << Path("passwords")
             << "\nhttp_server.SSL_cert = " << Path("cert")
             << "\ncimserver.tls_key = " << Path("key") << "\ncimserver.failure_milliseconds = 1"
-            << "\ncimserver.request_seconds = 1\n";
+            << "\ncimserver.request_seconds = 2\n";
     }
     std::string Path(const std::string& name) const { return (directory_.Path() / name).string(); }
 
@@ -142,8 +143,9 @@ TEST_F(HostileToUsers, WrongPasswordsOverTlsAreRefused) {
     std::atomic<int> refused = 0;
     Suffer([&] {
         InThreads(4, [&] {
-            EXPECT_EQ(Rita(TlsPort(), "guessing").Post().status, 401);
-            ++refused;
+            const auto status = Rita(TlsPort(), "guessing").Post().status;
+            EXPECT_TRUE(status == 401 || status == 0) << status; // 0: too slow a handshake
+            refused += status == 401 ? 1 : 0;
         });
     });
     EXPECT_GE(refused, 8);

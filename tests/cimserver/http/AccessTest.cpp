@@ -188,6 +188,13 @@ TEST_F(HttpAccess, AWrongPasswordIsAnsweredSlowlyAndHindersNobody) {
     EXPECT_GE(answers, 10);
 }
 
+TEST_F(HttpAccess, TheTimeOfACheckIsNoTimeOfTheRequest) {
+    settings.requestSeconds = 1;
+    settings.access.failureDelay = 2500ms;
+    Start();
+    EXPECT_EQ(Ask({annaWrong}).status, 401);
+}
+
 TEST_F(HttpAccess, ARequestWithoutCredentialsIsAnsweredAtOnce) {
     settings.access.failureDelay = 60s;
     Start();
