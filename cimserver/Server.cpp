@@ -191,7 +191,7 @@ void Server::Listen(const std::vector<std::string>& addresses, const std::vector
         listener.descriptor = sockets.empty() ? -1 : sockets.at(i);
         listener.access.isAnonymous = access.IsAnonymousOn(address);
         // What everybody on this machine may do, a page in a browser of theirs may not.
-        listener.access.isForThisMachineOnly = listener.access.isAnonymous && IsLoopback(address);
+        listener.access.refusesNamedHosts = listener.access.isAnonymous && IsLoopback(address);
         listeners_.push_back(std::make_unique<http::Server>(
             listener, [this](const http::Request& request, http::Answer& answer) {
                 AnswerRequest(request, answer);

@@ -37,7 +37,8 @@ std::shared_ptr<const Certificate::Loaded> Load(const CertificateFiles& files) {
         loaded->credentials, files.certificate.c_str(), files.key.c_str(), GNUTLS_X509_FMT_PEM);
     if (result < 0) {
         throw CredentialError(files.certificate.string() + ", " + files.key.string() +
-                              ": no certificate with its key in PEM: " + gnutls_strerror(result));
+                              ": no certificate with its key in PEM: " + gnutls_strerror(result) +
+                              "; `cimserver certificate` makes such a pair");
     }
     CheckSecret(files.key);
     return loaded;

@@ -30,7 +30,7 @@ class ConnectionWatch {
 public:
     using Clock = std::chrono::steady_clock;
 
-    /// There are never so many connections above the limits.
+    /// A listener has fewer connections than so many above the limits.
     static constexpr unsigned beyondLimits = 16;
 
     struct Connection {

@@ -36,14 +36,15 @@ bool HasBlank(const Header& header) {
 std::string HostIn(const std::string& value) {
     const std::size_t bracket = value.find(']');
     if (value.starts_with('[') && bracket != std::string::npos) {
-        return value.substr(1, bracket - 1);
+        const bool isWhole = bracket + 1 == value.size() || value[bracket + 1] == ':';
+        return isWhole ? value.substr(1, bracket - 1) : value;
     }
     return value.substr(0, value.find(':'));
 }
 
 } // namespace
 
-bool IsForThisMachine(const Request& request) {
+bool HasNoNamedHost(const Request& request) {
     const auto values = ValuesOf(request, "Host");
     return std::all_of(values.begin(), values.end(), [](const std::string& value) {
         const std::string host = HostIn(value);

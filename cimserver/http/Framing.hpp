@@ -16,6 +16,6 @@ std::optional<int> FramingFault(const Request& request, std::string_view version
 
 /// The Host of a request is a numeric address, `localhost`, empty or absent. A web page whose own
 /// name was made to lead to this machine (DNS rebinding) cannot have its browser send such a one.
-bool IsForThisMachine(const Request& request);
+bool HasNoNamedHost(const Request& request);
 
 } // namespace cimserver::http

@@ -88,8 +88,8 @@ struct Access {
     /// Without credentials. Credentials that are brought all the same have to be right where there
     /// are users, and do not count where there are none.
     bool isAnonymous = true;
-    /// A request for another host than this machine (IsForThisMachine) gets 421.
-    bool isForThisMachineOnly = false;
+    /// Where the Host is a name other than `localhost` (HasNoNamedHost), the answer is 421.
+    bool refusesNamedHosts = false;
     std::shared_ptr<Users> users; ///< null: nobody has a password
     /// How long the answer to wrong credentials takes at least.
     std::chrono::milliseconds failureDelay{1000};

@@ -90,7 +90,7 @@ std::vector<std::string> LinesOf(std::string_view text) {
 void AddLine(PasswordTable& table, const std::string& line, const std::string& place) {
     const std::size_t colon = line.find(':');
     if (colon == std::string::npos || !IsUserName(line.substr(0, colon))) {
-        throw CredentialError(place + ": expected `user:hash`");
+        throw CredentialError(place + ": expected `user:hash`, as `cimserver passwd` writes it");
     }
     const std::string user = line.substr(0, colon);
     const std::string hash = line.substr(colon + 1);

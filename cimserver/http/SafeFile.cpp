@@ -69,7 +69,9 @@ private:
 } // namespace
 
 void FailWithError(const std::filesystem::path& file, int error) {
-    throw CredentialError(file.string() + ": " + std::generic_category().message(error));
+    const char* advice =
+        error == EACCES ? "; look at the owner and the mode of it and of its folder" : "";
+    throw CredentialError(file.string() + ": " + std::generic_category().message(error) + advice);
 }
 
 void ReplaceFile(const std::filesystem::path& file, const std::string& text, mode_t mode) {

@@ -309,7 +309,7 @@ MHD_Result Server::Daemon::TakeHead(MHD_Connection* connection, const char* meth
     if (const auto fault = FramingFault(exchange.request, version)) {
         return Refuse(connection, *fault, exchange);
     }
-    if (settings.access.isForThisMachineOnly && !IsForThisMachine(exchange.request)) {
+    if (settings.access.refusesNamedHosts && !HasNoNamedHost(exchange.request)) {
         return Refuse(connection, MHD_HTTP_MISDIRECTED_REQUEST, exchange);
     }
     const std::uint64_t length = AnnouncedLength(connection);

@@ -172,7 +172,7 @@ class Items(unittest.TestCase):
 
     def test_the_sample_lets_nobody_in_by_itself(self):
         set_items = dict(re.findall(r"^([a-z_]+\.\S+) = (.*)$", SAMPLE.read_text(encoding="utf-8"), re.MULTILINE))
-        self.assertEqual(set_items.pop("simple_auth.password_file"), "/etc/cimserver/passwd")
+        self.assertEqual(set_items.pop("simple_auth.password_file"), "/var/lib/cimserver/passwords")
         self.assertEqual(list(set_items), ["cimserver.mof_files"])
 
     def check(self, text):
@@ -182,7 +182,7 @@ class Items(unittest.TestCase):
             subprocess.run([SERVER, "passwd", "anna", "--file", users], input="secret\n", text=True, check=True,
                            capture_output=True)
             configuration = pathlib.Path(folder) / "cimserver.conf"
-            text = text.replace("/etc/cimserver/passwd\n", f"{users}\n")
+            text = text.replace("/var/lib/cimserver/passwords\n", f"{users}\n")
             text = text.replace("/usr/share/software-update-provider/", f"{SOURCE}/schema/")
             configuration.write_text(text, encoding="utf-8")
             run = subprocess.run([SERVER, "--check-config", "--config", configuration, "--provider-dir", folder],

@@ -158,6 +158,46 @@ class WithCimserver(Registration):
         self.assertIn("already", self.succeeds("--cimserver", self.config, "load"))
         self.assertEqual(self.config.read_text(), text)
 
+    def test_a_damaged_block_is_left_alone(self):
+        text = "a = 1\n# software-update-provider: begin\nb = 2\nc = 3\n"
+        self.config.write_text(text)
+        for action in ("load", "reload", "remove", "list"):
+            self.assertEqual(self.run_script("--cimserver", self.config, action).returncode, 1)
+            self.assertEqual(self.config.read_text(), text)
+
+    def test_a_last_line_without_end_stays_a_line(self):
+        self.config.write_text("a = 1")
+        self.succeeds("--cimserver", self.config, "load")
+        self.assertEqual(self.config.read_text().splitlines()[0], "a = 1")
+        self.succeeds("--cimserver", self.config, "remove")
+        self.assertEqual(self.config.read_text(), "a = 1\n")
+
+    def test_remove_says_when_the_classes_stay(self):
+        text = f"cimserver.mof_files = {QUALIFIERS}:{MOF}\n"
+        self.config.write_text(text)
+        self.assertEqual(self.run_script("--cimserver", self.config, "remove").returncode, 1)
+        self.assertEqual(self.config.read_text(), text)
+
+    def test_only_the_first_line_and_the_whole_name_count(self):
+        for text in (f"cimserver.mof_files = {MOF}.old\n", f"cimserver.mof_files = /x.mof\ncimserver.mof_files = {MOF}\n"):
+            self.config.write_text(text)
+            self.assertEqual(self.run_script("--cimserver", self.config, "list").returncode, 1)
+
+    def test_a_link_to_the_configuration_stays_one(self):
+        self.config.write_text("a = 1\n")
+        link = self.folder / "link"
+        link.symlink_to(self.config)
+        self.succeeds("--cimserver", link, "load")
+        self.assertTrue(link.is_symlink())
+        self.assertIn("mof_files", self.config.read_text())
+
+    def test_qualifiers_have_to_be_there(self):
+        alone = self.folder / "ZNX.mof"
+        shutil.copy(MOF, alone)
+        done = self.run_script("--mof", alone, "--cimserver", self.config, "load")
+        self.assertEqual(done.returncode, 1)
+        self.assertIn("qualifiers.mof", done.stderr)
+
     def test_a_file_that_is_not_there_is_made(self):
         self.config.unlink()
         self.succeeds("--cimserver", self.config, "load")
