@@ -108,7 +108,8 @@ ConnectionWatch::Connection* ConnectionWatch::Opened(int socket, const sockaddr*
     Connection* connection = nullptr;
     {
         const std::lock_guard lock(mutex_);
-        const bool isFull = FullFor(text).has_value(); // the observer knows, or hears of the next one
+        const bool isFull =
+            FullFor(text).has_value(); // the observer knows, or hears of the next one
         connection = &connections_.emplace_back();
         connection->self = std::prev(connections_.end());
         connection->socket = socket;

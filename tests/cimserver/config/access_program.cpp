@@ -96,6 +96,12 @@ protected:
 
 const std::string denied = "CODE=\"2\"";
 
+TEST_F(WithUsers, AServerThatAsksForAPasswordGoesByAnyName) {
+    CimClient named(server->WaitForPort());
+    named.Send("POST /cimom HTTP/1.1\r\nHost: server.example\r\nContent-Length: 0\r\n\r\n");
+    EXPECT_EQ(named.Receive().status, 401);
+}
+
 TEST_F(WithUsers, HangUpTakesPasswordsAndForgetsTheOldOnes) {
     EXPECT_THAT(Read(secret).body, HasSubstr("INSTANCENAME"));
     EXPECT_EQ(Read(other).status, 401);

@@ -345,7 +345,7 @@ TEST_F(Program, AClientThatGoesAwayDoesNotEndIt) {
     const auto port = server.WaitForPort();
     {
         test_support::CimClient client(port);
-        client.Send("POST /cimom HTTP/1.1\r\nHost: x\r\nContent-Length: 100\r\n\r\nhalf");
+        client.Send("POST /cimom HTTP/1.1\r\nHost: localhost\r\nContent-Length: 100\r\n\r\nhalf");
     }
     EXPECT_THAT(Names(port), HasSubstr("INSTANCENAME"));
     server.Signal(SIGTERM);

@@ -146,7 +146,7 @@ TEST_F(Managed, ARequestThatCameBeforeTheServerIsAnswered) {
     const std::string body = test_support::IntrinsicCall(
         "EnumerateInstanceNames",
         "<IPARAMVALUE NAME=\"ClassName\"><CLASSNAME NAME=\"HT_Program\"/></IPARAMVALUE>");
-    early.Send("POST /cimom HTTP/1.1\r\nHost: x\r\nContent-Type: application/xml\r\n"
+    early.Send("POST /cimom HTTP/1.1\r\nHost: localhost\r\nContent-Type: application/xml\r\n"
                "CIMOperation: MethodCall\r\nCIMMethod: EnumerateInstanceNames\r\n"
                "CIMObject: root/cimv2\r\nContent-Length: " +
                std::to_string(body.size()) + "\r\n\r\n" + body);

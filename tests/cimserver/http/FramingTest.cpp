@@ -63,8 +63,9 @@ TEST(Framing, AHostIsThisMachineByAddressOrAsLocalhost) {
                             "[::1]:5988", "", "192.0.2.1:80"}) {
         EXPECT_TRUE(hasNoName(own)) << own;
     }
-    for (const char* other : {"rebound.example", "rebound.example:5988", "localhost.example",
-                              "127.0.0.1.example", "h", "[rebound.example]", "[::1", "[::1]rebound.example"}) {
+    for (const char* other :
+         {"rebound.example", "rebound.example:5988", "localhost.example", "127.0.0.1.example", "h",
+          "[rebound.example]", "[::1", "[::1]rebound.example"}) {
         EXPECT_FALSE(hasNoName(other)) << other;
     }
     EXPECT_TRUE(cimserver::http::HasNoNamedHost(Request()));

@@ -162,7 +162,8 @@ TEST(PasswordFile, AFaultyLineIsNamedWithItsNumber) {
         EXPECT_EQ(whole.find(file.string()), 0U) << whole;
         return whole.substr(file.string().size());
     };
-    EXPECT_EQ(error(good + "\nbert\n"), ":3: expected `user:hash`, as `cimserver passwd` writes it");
+    EXPECT_EQ(error(good + "\nbert\n"),
+              ":3: expected `user:hash`, as `cimserver passwd` writes it");
     EXPECT_EQ(error(":x\n"), ":1: expected `user:hash`, as `cimserver passwd` writes it");
     EXPECT_EQ(error(good + good), ":2: `anna` stands here twice");
     const std::string plain = error(good + "bert:plainword\n");
