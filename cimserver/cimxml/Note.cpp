@@ -7,13 +7,21 @@ namespace cimserver::cimxml {
 namespace {
 
 template <class Call>
-concept HasClass = requires(const Call& call) { call.className; };
+concept HasClass = requires(const Call& call) {
+    call.className;
+};
 template <class Call>
-concept HasInstance = requires(const Call& call) { call.instanceName; };
+concept HasInstance = requires(const Call& call) {
+    call.instanceName;
+};
 template <class Call>
-concept HasObject = requires(const Call& call) { call.objectName; };
+concept HasObject = requires(const Call& call) {
+    call.objectName;
+};
 template <class Call>
-concept HasNewInstance = requires(const Call& call) { call.newInstance; };
+concept HasNewInstance = requires(const Call& call) {
+    call.newInstance;
+};
 
 template <class Call>
 OpenWBEM::String ClassOf(const Call& call) {

@@ -1,5 +1,5 @@
-// What the tests of the model share: short arrays, keys, flags, and what a piece of code throws as one line of
-// text.
+// What the tests of the model share: short arrays, keys, flags, and what a piece of code throws as
+// one line of text.
 #pragma once
 
 #include "OW_Array.hpp"
